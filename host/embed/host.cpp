@@ -1,0 +1,220 @@
+// The host, as programs see it.
+#include "embed/host.h"
+
+#include <algorithm>
+
+#include "ext_proto.h"
+#include "kernel/attributes.h"
+#include "kernel/classes.h"
+#include "kernel/critical.h"
+#include "kernel/memory.h"
+#include "kernel/objects.h"
+#include "kernel/outlets.h"
+#include "kernel/scheduler.h"
+#include "ui/box.h"
+#include "ui/dataview.h"
+#include "ui/patcher.h"
+
+namespace maxhost {
+namespace {
+
+constexpr size_t assistance_size = 512; // the text buffer that plug-ins write to
+
+Class &class_of(t_object *object) { return *record_of(object)->cls; }
+
+// The data view of a box, or null.
+DataView *view_of(t_object *box) {
+    const BoxState *state = box_state(box);
+    return state && !state->views.empty() ? state->views.front() : nullptr;
+}
+
+long rows_in_a_page(t_object *box, const DataView &view) {
+    return std::max(1L, static_cast<long>(reinterpret_cast<t_jbox *>(box)->b_patching_rect.height) / view.row_height);
+}
+
+} // namespace
+
+void start_host(FrontEnd front) { front_end() = std::move(front); }
+
+void stop_host() {
+    stop_scheduler();
+    front_end() = FrontEnd();
+}
+
+MemoryInUse memory_in_use() { return {blocks_alive(), objects_alive()}; }
+
+void fail_nth_allocation(long n) { fail_allocation(n); }
+
+OwnedDictionary empty_dictionary() { return new_dictionary(); }
+
+t_object *new_patcher() { return create<Patcher>(); }
+
+void free_patcher(t_object *patcher) {
+    if (auto *found = expect<Patcher>(patcher, "free_patcher"))
+        between_deliveries([&] { close_patcher(found); });
+}
+
+bool is_dirty(t_object *patcher) {
+    const auto *found = expect<Patcher>(patcher, "is_dirty");
+    return found && found->dirty;
+}
+
+void set_clean(t_object *patcher) {
+    if (auto *found = expect<Patcher>(patcher, "set_clean"))
+        found->dirty = false;
+}
+
+t_object *open_patcher_view(t_object *patcher) {
+    auto *found = expect<Patcher>(patcher, "open_patcher_view");
+    return found ? open_view(*found) : nullptr;
+}
+
+void close_patcher_view(t_object *view) {
+    if (auto *found = expect<PatcherView>(view, "close_patcher_view"))
+        close_view(found);
+}
+
+bool is_box_class(t_symbol *class_name) { return find_class(CLASS_BOX, class_name) != nullptr; }
+
+void add_old_arguments(t_symbol *class_name, t_dictionary *dictionary, std::span<const t_atom> arguments) {
+    const Class *cls = find_class(CLASS_BOX, class_name);
+    const Method *found = cls ? find_method(*cls, gensym("stdargs")) : nullptr;
+    if (!found)
+        return;
+    std::vector<t_atom> atoms(arguments.begin(), arguments.end());
+    using Conversion = long (*)(t_dictionary *, t_symbol *, long, t_atom *);
+    reinterpret_cast<Conversion>(found->function)(dictionary, class_name, static_cast<long>(atoms.size()),
+                                                  atoms.data());
+}
+
+t_object *new_box(t_object *patcher, t_symbol *class_name, t_dictionary *dictionary) {
+    auto *found = expect<Patcher>(patcher, "new_box");
+    return found ? make_box(*found, class_name, dictionary) : nullptr;
+}
+
+void free_box(t_object *box) {
+    between_deliveries([&] { object_free(box); });
+}
+
+t_object *box_named(t_object *patcher, t_symbol *name) {
+    const auto *found = expect<Patcher>(patcher, "box_named");
+    return found ? find_box(*found, name) : nullptr;
+}
+
+bool connect_boxes(t_object *from, long outlet, t_object *to) {
+    Outlet *found = outlet_of(from, outlet);
+    if (!found || !record_of(to))
+        return false;
+    connect(*found, to);
+    return true;
+}
+
+OwnedDictionary saved_box(t_object *box) {
+    OwnedDictionary dictionary = new_dictionary();
+    if (expect_object(box, "saved_box")) {
+        save_attributes(box, class_of(box), dictionary.get());
+        object_method(box, gensym("jsave"), dictionary.get());
+    }
+    return dictionary;
+}
+
+void send_message(t_object *box, std::span<const t_atom> atoms) {
+    if (atoms.empty())
+        return;
+    if (atom_gettype(&atoms[0]) == A_SYM)
+        deliver(box, atom_getsym(&atoms[0]), atoms.subspan(1));
+    else if (atoms.size() > 1)
+        deliver(box, gensym("list"), atoms);
+    else
+        deliver(box, gensym(atom_gettype(&atoms[0]) == A_FLOAT ? "float" : "int"), atoms);
+    expect_no_region("a message");
+}
+
+void send_on_scheduler(t_object *box, std::vector<t_atom> atoms) {
+    post_to_scheduler([box, atoms = std::move(atoms)] {
+        if (record_of(box)) // it may have been freed since
+            send_message(box, atoms);
+    });
+}
+
+void wait_until_delivered() { wait_for_scheduler(); }
+
+bool send_to_receiver(t_symbol *receiver, std::span<const t_atom> atoms) {
+    t_object *bound = receiver->s_thing;
+    if (!bound || !box_state(bound)) // a binding outlives what it is bound to
+        return false;
+    send_message(bound, atoms);
+    return true;
+}
+
+bool has_attribute(t_object *box, t_symbol *name) { return find_attribute(class_of(box), name) != nullptr; }
+
+t_max_err read_attribute(t_object *box, t_symbol *name, std::vector<t_atom> &values) {
+    Attribute *attribute = find_attribute(class_of(box), name);
+    return attribute ? get_attribute(box, *attribute, values) : MAX_ERR_GENERIC;
+}
+
+t_max_err write_attribute(t_object *box, t_symbol *name, std::span<const t_atom> values) {
+    Attribute *attribute = find_attribute(class_of(box), name);
+    return attribute ? set_attribute(box, *attribute, values) : MAX_ERR_GENERIC;
+}
+
+bool data_view_state(t_object *box, ViewState &state) {
+    DataView *view = view_of(box);
+    if (view)
+        state = view_state(*view);
+    return view != nullptr;
+}
+
+bool click_row(t_object *box, long position) {
+    DataView *view = view_of(box);
+    return view && select_as_person(*view, position);
+}
+
+bool press_key(t_object *box, Key key) {
+    DataView *view = view_of(box);
+    if (!view)
+        return false;
+    const ViewState now = view_state(*view);
+    const long page = rows_in_a_page(box, *view);
+    long to = now.selected;
+    switch (key) {
+    case Key::up:
+        to -= 1;
+        break;
+    case Key::down:
+        to += 1;
+        break;
+    case Key::page_up:
+        to -= page;
+        break;
+    case Key::page_down:
+        to += page;
+        break;
+    case Key::home:
+        to = 1;
+        break;
+    case Key::end:
+        to = now.rows;
+        break;
+    }
+    return now.rows > 0 && select_as_person(*view, std::clamp(to, 1L, now.rows));
+}
+
+DrawList painted_row(t_object *box, long position) {
+    DataView *view = view_of(box);
+    if (!view)
+        return {};
+    const auto release_view = [](PatcherView *v) { object_free(v); };
+    const std::unique_ptr<PatcherView, decltype(release_view)> offscreen(create<PatcherView>());
+    return paint_row(*view, *offscreen, position);
+}
+
+std::string assistance(t_object *box, bool inlet, long index) {
+    char text[assistance_size] = "";
+    object_method(box, gensym("assist"), nullptr, inlet ? 1 : 2, index, text);
+    text[assistance_size - 1] = 0;
+    return text;
+}
+
+} // namespace maxhost

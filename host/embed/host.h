@@ -1,0 +1,116 @@
+// What a program that embeds the host calls. Main thread, unless said otherwise.
+//
+// Patchers, boxes and patcher views are handed out as t_object pointers; they stay valid until the call that frees
+// them. Nothing here is deferred: what plug-ins queue runs when the program drains the queue (drain_queue).
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "ext_obex.h"
+#include "files/paths.h"
+#include "files/sysfile.h"
+#include "kernel/atomtext.h"
+#include "kernel/dictionary.h"
+#include "kernel/export.h"
+#include "kernel/frontend.h"
+#include "kernel/plugins.h"
+#include "kernel/presets.h"
+#include "kernel/queue.h"
+#include "ui/graphics.h"
+#include "ui/viewstate.h"
+
+namespace maxhost {
+
+// ---- the host
+
+// Hands the host its front end; stop_host waits for the scheduler thread to end and takes the front end away. Patchers
+// are closed before.
+MAXHOST_EMBED void start_host(FrontEnd front_end);
+MAXHOST_EMBED void stop_host();
+
+// What plug-ins hold: blocks of the allocator, and objects that they made or asked for.
+struct MemoryInUse {
+    size_t blocks, objects;
+};
+MAXHOST_EMBED MemoryInUse memory_in_use();
+
+// The n-th allocation by plug-ins from now on fails, once; 0 takes that back.
+MAXHOST_EMBED void fail_nth_allocation(long n);
+
+// ---- dictionaries
+
+MAXHOST_EMBED OwnedDictionary empty_dictionary();
+
+// ---- patchers and their views
+
+MAXHOST_EMBED t_object *new_patcher();
+MAXHOST_EMBED void free_patcher(t_object *patcher);
+MAXHOST_EMBED bool is_dirty(t_object *patcher);
+MAXHOST_EMBED void set_clean(t_object *patcher);
+
+// A view is a patcher's window; its boxes are told of it. Closed at the latest with the patcher.
+MAXHOST_EMBED t_object *open_patcher_view(t_object *patcher);
+MAXHOST_EMBED void close_patcher_view(t_object *view);
+
+// ---- boxes
+
+MAXHOST_EMBED bool is_box_class(t_symbol *class_name);
+
+// Has the class turn an old argument list into entries of the dictionary; a class without "stdargs" leaves it alone.
+MAXHOST_EMBED void add_old_arguments(t_symbol *class_name, t_dictionary *dictionary, std::span<const t_atom> arguments);
+
+// Makes a box from its dictionary; null when the class makes none. "varname" in the dictionary is its scripting name.
+MAXHOST_EMBED t_object *new_box(t_object *patcher, t_symbol *class_name, t_dictionary *dictionary);
+
+// Frees a box between two deliveries of the scheduler thread.
+MAXHOST_EMBED void free_box(t_object *box);
+
+// The box of that scripting name or, for one that has none, id; null when there is none.
+MAXHOST_EMBED t_object *box_named(t_object *patcher, t_symbol *name);
+
+// A patch cord from an outlet, counted from the left; false when there is no such outlet.
+MAXHOST_EMBED bool connect_boxes(t_object *from, long outlet, t_object *to);
+
+// The attributes that are saved, and what the box adds in "jsave".
+MAXHOST_EMBED OwnedDictionary saved_box(t_object *box);
+
+// ---- messages
+
+// Delivers a message: a symbol at the front is the selector, a lone number is "int" or "float", several atoms are
+// "list". Any thread, if the caller sees to it that the box is not freed meanwhile.
+MAXHOST_EMBED void send_message(t_object *box, std::span<const t_atom> atoms);
+
+// The same on the scheduler thread; returns at once. wait_until_delivered returns when all have been.
+MAXHOST_EMBED void send_on_scheduler(t_object *box, std::vector<t_atom> atoms);
+MAXHOST_EMBED void wait_until_delivered();
+
+// To whatever is bound to the symbol; false when that is no box that is alive.
+MAXHOST_EMBED bool send_to_receiver(t_symbol *receiver, std::span<const t_atom> atoms);
+
+// ---- attributes
+
+MAXHOST_EMBED bool has_attribute(t_object *box, t_symbol *name);
+
+// Through the accessors, whose result is given; reading fills `values` on the result 0.
+MAXHOST_EMBED t_max_err read_attribute(t_object *box, t_symbol *name, std::vector<t_atom> &values);
+MAXHOST_EMBED t_max_err write_attribute(t_object *box, t_symbol *name, std::span<const t_atom> values);
+
+// ---- what a person does and sees, in the data view of a box. Boxes without one answer false or nothing.
+
+enum class Key { up, down, page_up, page_down, home, end };
+
+MAXHOST_EMBED bool data_view_state(t_object *box, ViewState &state);
+MAXHOST_EMBED bool click_row(t_object *box, long position);
+
+// Moves the selection, which starts at the first row, and stays at the ends. A page is what fits into the box.
+MAXHOST_EMBED bool press_key(t_object *box, Key key);
+
+// What the plug-in draws for the row at a position.
+MAXHOST_EMBED DrawList painted_row(t_object *box, long position);
+
+// The assistance text of an inlet or outlet; empty when the box tells none.
+MAXHOST_EMBED std::string assistance(t_object *box, bool inlet, long index);
+
+} // namespace maxhost

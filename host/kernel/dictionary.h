@@ -1,0 +1,28 @@
+// Dictionaries: keys in order of their coming, each with its atoms.
+#pragma once
+
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "ext_dictionary.h"
+#include "kernel/objects.h"
+
+struct _dictionary : t_object {
+    std::vector<std::pair<t_symbol *, std::vector<t_atom>>> entries;
+    std::unordered_map<t_symbol *, size_t> index;
+
+    static maxhost::Class *host_class();
+    static constexpr const char *kind_name = "dictionary";
+};
+
+namespace maxhost {
+
+struct DictionaryReleaser {
+    void operator()(t_dictionary *dictionary) const { object_free(dictionary); }
+};
+using OwnedDictionary = std::unique_ptr<t_dictionary, DictionaryReleaser>;
+
+OwnedDictionary new_dictionary();
+
+} // namespace maxhost

@@ -1,0 +1,144 @@
+// The low-priority queue.
+#include "kernel/queue.h"
+
+#include <algorithm>
+#include <deque>
+#include <mutex>
+#include <unordered_set>
+#include <vector>
+
+#include "kernel/critical.h"
+#include "kernel/door.h"
+#include "kernel/trace.h"
+
+namespace maxhost {
+namespace {
+
+struct QueueElement {
+    void *object;
+    method task;
+    bool queued = false;
+};
+
+// Either a deferred call or a queue element.
+struct Entry {
+    void *object = nullptr;
+    method function = nullptr;
+    t_symbol *symbol = nullptr;
+    std::vector<t_atom> atoms;
+    QueueElement *element = nullptr;
+};
+
+struct Queue {
+    std::mutex mutex;
+    std::deque<Entry> entries;
+    std::unordered_set<void *> elements; // all that are alive
+};
+
+Queue &queue() {
+    static auto &the_queue = *new Queue;
+    return the_queue;
+}
+
+// Takes the first entry out; false when there is none.
+bool take(Entry &entry) {
+    std::lock_guard lock(queue().mutex);
+    if (queue().entries.empty())
+        return false;
+    entry = std::move(queue().entries.front());
+    queue().entries.pop_front();
+    if (entry.element)
+        entry.element->queued = false; // so that its own task can set it again
+    return true;
+}
+
+void run(Entry &entry) {
+    using Deferred = void *(*)(void *, t_symbol *, short, t_atom *);
+    if (entry.element)
+        entry.function(entry.object);
+    else
+        reinterpret_cast<Deferred>(entry.function)(entry.object, entry.symbol, static_cast<short>(entry.atoms.size()),
+                                                   entry.atoms.empty() ? nullptr : entry.atoms.data());
+    expect_no_region("a queued task");
+}
+
+// True for a living queue element. The queue's mutex is held.
+bool is_element(void *x) { return queue().elements.contains(x); }
+
+} // namespace
+
+void drain_queue() {
+    Entry entry;
+    while (take(entry))
+        run(entry);
+}
+
+bool run_queue_once() {
+    size_t count;
+    {
+        std::lock_guard lock(queue().mutex);
+        count = queue().entries.size();
+    }
+    Entry entry;
+    for (size_t i = 0; i < count && take(entry); ++i)
+        run(entry);
+    return count > 0;
+}
+
+void forget_deferred(const void *object) {
+    std::lock_guard lock(queue().mutex);
+    std::erase_if(queue().entries, [&](const Entry &e) { return !e.element && e.object == object; });
+}
+
+} // namespace maxhost
+
+using namespace maxhost;
+
+void *defer_low(void *ob, method fn, t_symbol *sym, short argc, t_atom *argv) {
+    trace(trace_queue, "defer_low", sym, static_cast<int>(argc));
+    if (!at_door(ob && fn && argc >= 0 && (argv || argc == 0), "defer_low", "no object, no function or no atoms"))
+        return nullptr;
+    Entry entry{ob, fn, sym, {}, nullptr};
+    if (argv)
+        entry.atoms.assign(argv, argv + argc);
+    std::lock_guard lock(queue().mutex);
+    queue().entries.push_back(std::move(entry));
+    return nullptr;
+}
+
+void *qelem_new(void *obj, method fn) {
+    auto *element = new QueueElement{obj, fn};
+    std::lock_guard lock(queue().mutex);
+    queue().elements.insert(element);
+    return element;
+}
+
+void qelem_set(t_qelem *x) {
+    trace(trace_queue, "qelem_set");
+    {
+        std::lock_guard lock(queue().mutex);
+        if (is_element(x)) {
+            auto *element = static_cast<QueueElement *>(x);
+            if (!element->queued)
+                queue().entries.push_back({element->object, element->task, nullptr, {}, element});
+            element->queued = true;
+            return;
+        }
+    }
+    misuse("qelem_set", "not a living queue element");
+}
+
+void qelem_free(t_qelem *x) {
+    {
+        std::lock_guard lock(queue().mutex);
+        if (is_element(x)) {
+            auto *element = static_cast<QueueElement *>(x);
+            if (element->queued)
+                std::erase_if(queue().entries, [&](const Entry &e) { return e.element == element; });
+            queue().elements.erase(x);
+            delete element;
+            return;
+        }
+    }
+    misuse("qelem_free", "not a living queue element");
+}

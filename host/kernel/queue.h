@@ -1,0 +1,18 @@
+// The low-priority queue of the main thread: deferred calls and queue elements, first in, first out.
+#pragma once
+
+#include "ext_proto.h"
+#include "kernel/export.h"
+
+namespace maxhost {
+
+// Runs what is queued, and what that queues, until nothing is left. Main thread.
+MAXHOST_EMBED void drain_queue();
+
+// Runs what is queued now and leaves what that queues; false when nothing was queued. Main thread.
+MAXHOST_EMBED bool run_queue_once();
+
+// Takes back the deferred calls for an object.
+void forget_deferred(const void *object);
+
+} // namespace maxhost

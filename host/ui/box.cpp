@@ -1,0 +1,223 @@
+// Boxes.
+#include "ui/box.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "ext_obex_util.h"
+#include "ext_proto.h"
+#include "kernel/attributes.h"
+#include "kernel/dictionary.h"
+#include "kernel/frontend.h"
+#include "kernel/objects.h"
+#include "kernel/outlets.h"
+#include "kernel/trace.h"
+#include "ui/dataview.h"
+#include "ui/patcher.h"
+
+namespace maxhost {
+namespace {
+
+constexpr double default_font_size = 12;
+constexpr const char *default_font = "Arial";
+
+// Sizes and places that a screen could show; anything else, not-a-number among it, becomes the nearest of them.
+double within(double value, double least, double most) {
+    return std::isnan(value) ? least : std::clamp(value, least, most);
+}
+double font_size_of(double value) { return within(value, 1, 1000); }
+double place_of(double value) { return within(value, -1e6, 1e6); }
+double extent_of(double value) { return within(value, 0, 1e6); }
+
+t_rect rect_of(const double *parts) {
+    return {place_of(parts[0]), place_of(parts[1]), extent_of(parts[2]), extent_of(parts[3])};
+}
+
+t_jbox *expect_box(const void *box, const char *function) {
+    if (!box_state(box)) {
+        misuse(function, "not a living box");
+        return nullptr;
+    }
+    return static_cast<t_jbox *>(const_cast<void *>(box));
+}
+
+BoxState &state_of(t_jbox *box) { return *static_cast<BoxState *>(box->obex); }
+
+// ---- the attributes that every box has
+
+t_max_err get_fontname(t_jbox *box, void *, long *ac, t_atom **av) {
+    char allocated;
+    const t_max_err result = atom_alloc(ac, av, &allocated);
+    return result ? result : atom_setsym(*av, state_of(box).font_name);
+}
+
+t_max_err set_fontname(t_jbox *box, void *, long ac, t_atom *av) {
+    if (ac < 1 || atom_gettype(av) != A_SYM || atom_getsym(av) == gensym(""))
+        return MAX_ERR_GENERIC;
+    state_of(box).font_name = atom_getsym(av);
+    return MAX_ERR_NONE;
+}
+
+t_max_err get_fontsize(t_jbox *box, void *, long *ac, t_atom **av) {
+    char allocated;
+    const t_max_err result = atom_alloc(ac, av, &allocated);
+    return result ? result : atom_setfloat(*av, state_of(box).font_size);
+}
+
+t_max_err set_fontsize(t_jbox *box, void *, long ac, t_atom *av) {
+    if (ac < 1)
+        return MAX_ERR_GENERIC;
+    state_of(box).font_size = font_size_of(atom_getfloat(av));
+    return MAX_ERR_NONE;
+}
+
+t_max_err set_patching_rect(t_jbox *box, void *, long ac, t_atom *av) {
+    if (ac < 4)
+        return MAX_ERR_GENERIC;
+    double parts[4];
+    for (int i = 0; i < 4; ++i)
+        parts[i] = atom_getfloat(av + i);
+    box->b_patching_rect = rect_of(parts);
+    return MAX_ERR_NONE;
+}
+
+void add_attribute(t_class *cls, const char *name, const char *type, long count, method get, method set, long offset) {
+    class_addattr(cls, attr_offset_array_new(name, gensym(type), count, ATTR_FLAGS_NONE, get, set, 0, offset));
+    class_attr_addattr_parse(cls, name, "save", gensym("long"), 0, "1");
+}
+
+// ---- construction
+
+// The atoms under a key, or nothing.
+std::span<t_atom> entry(const t_dictionary *dictionary, const char *key) {
+    long count = 0;
+    t_atom *atoms = nullptr;
+    if (dictionary_getatoms(dictionary, gensym(key), &count, &atoms) != MAX_ERR_NONE)
+        return {};
+    return {atoms, static_cast<size_t>(count)};
+}
+
+t_symbol *symbol_entry(const t_dictionary *dictionary, const char *key) {
+    std::span<t_atom> atoms = entry(dictionary, key);
+    return atoms.empty() || atom_getsym(atoms.data()) == gensym("") ? nullptr : atom_getsym(atoms.data());
+}
+
+void read_dictionary(t_jbox *box, const t_dictionary *dictionary) {
+    if (std::span<t_atom> rect = entry(dictionary, "patching_rect"); rect.size() >= 4)
+        set_patching_rect(box, nullptr, 4, rect.data());
+    if (std::span<t_atom> name = entry(dictionary, "fontname"); !name.empty())
+        set_fontname(box, nullptr, 1, name.data());
+    if (std::span<t_atom> size = entry(dictionary, "fontsize"); !size.empty())
+        set_fontsize(box, nullptr, 1, size.data());
+    box->b_name = symbol_entry(dictionary, "varname");
+    box->b_id = symbol_entry(dictionary, "id");
+}
+
+} // namespace
+
+BoxState *box_state(const void *box) {
+    const Record *record = box ? record_of(box) : nullptr;
+    return record && record->cls->is_box ? static_cast<BoxState *>(static_cast<const t_jbox *>(box)->obex) : nullptr;
+}
+
+} // namespace maxhost
+
+using namespace maxhost;
+
+void jbox_initclass(t_class *c, long flags) {
+    auto *cls = static_cast<Class *>(c);
+    if (!at_door(cls && cls->size >= sizeof(t_jbox), "jbox_initclass", "instances without room for the box part"))
+        return;
+    cls->is_box = true;
+    add_attribute(c, "patching_rect", "float64", 4, nullptr, reinterpret_cast<method>(set_patching_rect),
+                  offsetof(t_jbox, b_patching_rect));
+    if ((flags & JBOX_FONTATTR) == 0)
+        return;
+    add_attribute(c, "fontname", "symbol", 1, reinterpret_cast<method>(get_fontname),
+                  reinterpret_cast<method>(set_fontname), 0);
+    add_attribute(c, "fontsize", "float64", 1, reinterpret_cast<method>(get_fontsize),
+                  reinterpret_cast<method>(set_fontsize), 0);
+}
+
+t_max_err jbox_new(t_jbox *b, long, long argc, t_atom *argv) {
+    Record *record = expect_object(b, "jbox_new");
+    if (!record || !at_door(record->cls->is_box && !b->obex, "jbox_new", "not a box class, or called twice"))
+        return MAX_ERR_INVALID_PTR;
+    b->obex = new BoxState{gensym(default_font), default_font_size, {}};
+    if (const t_dictionary *dictionary = object_dictionaryarg(argc, argv))
+        read_dictionary(b, dictionary);
+    record->name = b->b_name ? b->b_name : b->b_id;
+    if (auto *patcher = as<Patcher>(gensym("#P")->s_thing)) {
+        b->b_patcher = patcher;
+        patcher->boxes.push_back(b);
+    }
+    return MAX_ERR_NONE;
+}
+
+void jbox_ready(t_jbox *b) {
+    if (expect_box(b, "jbox_ready"))
+        record_of(b)->ready = true;
+}
+
+void jbox_free(t_jbox *b) {
+    if (!expect_box(b, "jbox_free"))
+        return;
+    record_of(b)->ready = false;
+    for (DataView *view : state_of(b).views)
+        view->client = nullptr;
+    delete &state_of(b);
+    b->obex = nullptr;
+    auto *patcher = as<Patcher>(b->b_patcher);
+    if (!patcher)
+        return;
+    std::erase(patcher->boxes, b);
+    for (t_jbox *other : patcher->boxes)
+        disconnect(&other->b_ob, &b->b_ob);
+}
+
+t_max_err jbox_notify(t_jbox *b, t_symbol *, t_symbol *, void *, void *) {
+    return expect_box(b, "jbox_notify") ? MAX_ERR_NONE : MAX_ERR_INVALID_PTR;
+}
+
+void jbox_redraw(t_jbox *b) {
+    trace(trace_view, "jbox_redraw");
+    if (expect_box(b, "jbox_redraw") && front_end().repaint)
+        front_end().repaint(&b->b_ob);
+}
+
+t_symbol *jbox_get_fontname(t_object *b) {
+    const t_jbox *box = expect_box(b, "jbox_get_fontname");
+    return box ? box_state(box)->font_name : gensym(default_font);
+}
+
+double jbox_get_fontsize(t_object *b) {
+    const t_jbox *box = expect_box(b, "jbox_get_fontsize");
+    return box ? box_state(box)->font_size : default_font_size;
+}
+
+t_max_err jbox_set_fontname(t_object *b, t_symbol *ps) {
+    return expect_box(b, "jbox_set_fontname") ? object_attr_setsym(b, gensym("fontname"), ps) : MAX_ERR_INVALID_PTR;
+}
+
+t_max_err jbox_set_fontsize(t_object *b, double d) {
+    if (!expect_box(b, "jbox_set_fontsize"))
+        return MAX_ERR_INVALID_PTR;
+    Attribute *attribute = find_attribute(*record_of(b)->cls, gensym("fontsize"));
+    t_atom size;
+    atom_setfloat(&size, d);
+    return attribute ? set_attribute(b, *attribute, {&size, 1}) : MAX_ERR_GENERIC;
+}
+
+t_object *jbox_get_patcher(t_object *b) {
+    const t_jbox *box = expect_box(b, "jbox_get_patcher");
+    return box ? box->b_patcher : nullptr;
+}
+
+t_max_err jbox_get_patching_rect(t_object *box, t_rect *pr) {
+    const t_jbox *b = expect_box(box, "jbox_get_patching_rect");
+    if (!b || !at_door(pr, "jbox_get_patching_rect", "nowhere to put it"))
+        return MAX_ERR_INVALID_PTR;
+    *pr = b->b_patching_rect;
+    return MAX_ERR_NONE;
+}
