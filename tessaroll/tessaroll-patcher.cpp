@@ -1,0 +1,91 @@
+// Saving the items of the list box in the patcher, and restoring them.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "vrk.tessaroll.h"
+
+// The longest text that is restored without a word, in bytes.
+static constexpr long longest_text = 2048;
+
+static bool too_long(const t_symbol *text) { return std::strlen(text->s_name) > (size_t)longest_text; }
+
+void tessaroll_markchanged(t_tessaroll *box) {
+    t_object *patcher = box->embed ? jbox_get_patcher((t_object *)box) : nullptr;
+    if (patcher)
+        jpatcher_set_dirty(patcher, 1);
+}
+
+// ---- saving
+
+// The items as atoms, at one moment; null when memory runs out.
+static malloc_array<t_atom> copy_items(t_jlist *list, long *count) {
+    critical_section hold;
+    *count = jlist_hasdata(list) ? jlist_numrows(list) : 0;
+    malloc_array<t_atom> items((t_atom *)std::malloc((size_t)std::max(*count, 1L) * sizeof(t_atom)));
+    for (long i = 0; items && i < *count; i++)
+        atom_setsym(&items[i], (t_symbol *)jlist_getdata(list, i + 1));
+    return items;
+}
+
+void tessaroll_save(t_tessaroll *box, t_dictionary *dictionary) {
+    if (!box || !dictionary || !box->embed || !jlist_hasdata(box->jlist))
+        return;
+    long count = 0;
+    const malloc_array<t_atom> items = copy_items(box->jlist, &count);
+    if (!items || dictionary_appendatoms(dictionary, gensym("restoreitems"), count, items.get()))
+        object_error((t_object *)box, "out of memory: the items are not saved");
+}
+
+// ---- restoring
+
+static void defer_append(t_tessaroll *box, t_atom *item) {
+    defer_low(box, (method)tessaroll_doappend, gensym("append"), 1, item);
+}
+
+// defer_low counts in 16 bits: more items go in pieces. An atom that is no symbol ends the restoring, so that the
+// pieces after it are not queued.
+void tessaroll_deferrestore(t_tessaroll *box, long argc, t_atom *argv) {
+    const auto is_text = [](const t_atom &atom) { return atom_gettype(&atom) == A_SYM; };
+    bool goes_on = true;
+    while (goes_on) {
+        const long piece = std::min<long>(argc, std::numeric_limits<short>::max());
+        defer_low(box, (method)tessaroll_restoreitems, gensym("restoreitems"), (short)piece, argv);
+        goes_on = piece < argc && std::all_of(argv, argv + piece, is_text);
+        argc -= piece;
+        argv += piece;
+    }
+}
+
+void tessaroll_restoreitem(t_tessaroll *box, t_symbol *text) {
+    if (too_long(text)) {
+        object_error((t_object *)box, "item to restore > %ld characters", longest_text);
+        return;
+    }
+    t_atom item;
+    atom_setsym(&item, text);
+    defer_append(box, &item);
+}
+
+// The number in the message is that of the items left, this one among them, on purpose.
+void tessaroll_restoreitems(t_tessaroll *box, t_symbol *, short argc, t_atom *argv) {
+    if (argc < 0) // of a message with more atoms than a short can count
+        object_error((t_object *)box, "too many items to restore in one message");
+    for (; argc > 0 && argv && atom_gettype(argv) == A_SYM; argc--, argv++) {
+        if (too_long(atom_getsym(argv)))
+            object_error((t_object *)box, "item %ld to restore > %ld characters", (long)argc, longest_text);
+        defer_append(box, argv);
+    }
+}
+
+void tessaroll_restore(t_tessaroll *box, t_atom_long size, t_atom_long font_number) {
+    t_object *host_box = (t_object *)box;
+    if (size != -1)
+        jbox_set_fontsize(host_box, (double)size);
+    if (font_number != -1)
+        jbox_set_fontname(host_box, fontinfo_getname((short)font_number));
+    jbox_redraw(&box->box);
+}
+
+void tessaroll_done(t_tessaroll *) { bindMeBaby->s_thing = nullptr; }

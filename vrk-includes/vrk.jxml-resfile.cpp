@@ -1,0 +1,223 @@
+// Resource files: numbered resources by type, and menus, in the document of a holder.
+#include "vrk.jxml-resfile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cwchar>
+#include <iterator>
+#include <string_view>
+
+#include "vrk.pathname.h"
+
+constexpr size_t LABEL_SIZE = 1024; // a label with its command and a terminating zero
+
+// The longest path, with what "set" adds to it.
+using path_atoms = std::array<t_atom, 10>;
+
+// A path in the order of its atoms: a text becomes a symbol.
+static void append(t_atom *&end, const char *word) { atom_setsym(end++, gensym(word)); }
+static void append(t_atom *&end, t_symbol *word) { atom_setsym(end++, word); }
+static void append(t_atom *&end, long number) { atom_setlong(end++, number); }
+
+// ROOT GROUP ELEMENT "attr" "number" NUMBER; returns what comes behind it.
+static t_atom *numbered_path(const t_jxmlfile *holder, t_symbol *element, long number, path_atoms &path) {
+    t_atom *end = path.data();
+    append(end, holder->root);
+    append(end, holder->xmlpath[0]);
+    append(end, element);
+    append(end, "attr");
+    append(end, "number");
+    append(end, number);
+    return end;
+}
+
+// Whether the holder's document and path can be used; says why not.
+static bool is_ready(const t_jxmlfile *holder) {
+    if (!holder)
+        return false;
+    const char *missing = nullptr;
+    if (!holder->loaded || !holder->doc)
+        missing = "no xml file loaded";
+    else if (holder->root == gensym(""))
+        missing = "no root tag defined";
+    else if (holder->xmlpath[0] == gensym(""))
+        missing = "no xml path defined";
+    if (missing)
+        object_error(holder->owner, "%s", missing);
+    return !missing;
+}
+
+// The same for menus, which ask for both words of the path although they use only the first.
+static bool is_ready_for_menus(const t_jxmlfile *holder) {
+    if (!is_ready(holder))
+        return false;
+    if (holder->xmlpath[1] != gensym(""))
+        return true;
+    object_error(holder->owner, "no xml path defined");
+    return false;
+}
+
+// ---- resources
+
+long jxmlresfile_count_resource(t_jxmlfile *holder, t_symbol *type, long *count, char verbose) {
+    if (!is_ready(holder))
+        return -1;
+    path_atoms path;
+    t_atom *end = path.data();
+    append(end, holder->root);
+    append(end, holder->xmlpath[0]);
+    if (type != gensym("types"))
+        append(end, type);
+    short counted = 0;
+    if (jxmlfile_count(holder, end - path.data(), path.data(), &counted, verbose) != 0) {
+        object_error(holder->owner, "cannot count resources of type %s", type->s_name);
+        return -1;
+    }
+    *count = counted;
+    return 0;
+}
+
+long jxmlresfile_get_resource(t_jxmlfile *holder, t_symbol *type, long number, t_symbol *value_kind, short *count,
+                              t_atom **result, char verbose) {
+    if (!is_ready(holder))
+        return -1;
+    path_atoms path;
+    const t_atom *end = numbered_path(holder, type, number, path);
+    if (jxmlfile_get(holder, end - path.data(), path.data(), value_kind, count, result, verbose) == 0 || !verbose)
+        return 0; // meant: a quiet caller looks at *count and *result
+    object_error(holder->owner, "cannot get resource %s number %ld", type->s_name, number);
+    return -1;
+}
+
+// Whether "set" would take one of the path's first words for the keyword that ends it, and write into the wrong
+// element.
+static bool hides_keyword(const path_atoms &path) {
+    for (size_t i = 0; i < 3; ++i)
+        if (atom_getsym(&path[i]) == gensym("text") || atom_getsym(&path[i]) == gensym("cdata"))
+            return true;
+    return false;
+}
+
+long jxmlresfile_set_resource(t_jxmlfile *holder, t_symbol *type, long number, t_atom *value, char as_cdata,
+                              char verbose) {
+    host_block<void> block(as_cdata ? atom_getobj(value) : nullptr);
+    if (!is_ready(holder))
+        return -1;
+    path_atoms path;
+    t_atom *end = numbered_path(holder, type, number, path);
+    append(end, as_cdata ? "cdata" : "text");
+    *end++ = *value;
+    long failure = -1;
+    if (!hides_keyword(path)) {
+        (void)block.release(); // jxmlfile_set takes it
+        failure = jxmlfile_set(holder, end - path.data(), path.data(), verbose);
+    }
+    if (failure == 0 || !verbose)
+        return 0;
+    object_error(holder->owner, "cannot set resource %s number %ld", type->s_name, number);
+    return -1;
+}
+
+// ---- menus
+
+long jxmlresfile_get_menutitle(t_jxmlfile *holder, long menu, t_symbol *value_kind, short *count, t_atom **result,
+                               char verbose) {
+    if (!is_ready_for_menus(holder))
+        return -1;
+    path_atoms path;
+    t_atom *end = numbered_path(holder, gensym("menu"), menu, path);
+    append(end, "menu-title");
+    if (jxmlfile_get(holder, end - path.data(), path.data(), value_kind, count, result, verbose) == 0)
+        return 0;
+    object_error(holder->owner, "cannot get menu-title from %s %ld", holder->xmlpath[1]->s_name, menu);
+    return -1;
+}
+
+long jxmlresfile_count_menuitems(t_jxmlfile *holder, long menu, long *count, char verbose) {
+    if (!is_ready_for_menus(holder))
+        return -1;
+    path_atoms path;
+    t_atom *end = numbered_path(holder, gensym("menu"), menu, path);
+    append(end, "menu-item");
+    short counted = 0;
+    if (jxmlfile_count(holder, end - path.data(), path.data(), &counted, verbose) != 0) {
+        wchar_t number[24]; // the message has always asked for a wide text
+        std::swprintf(number, std::size(number), L"%ld", menu);
+        object_error(holder->owner, "cannot count menu-items of %s %ls", holder->xmlpath[1]->s_name, number);
+        return -1;
+    }
+    *count = counted;
+    return 0;
+}
+
+// The symbol that a read has left, the empty one for anything else. Bytes are no label: their block is released.
+static t_symbol *taken_symbol(short count, const t_atom *result) {
+    if (count < 1)
+        return gensym("");
+    sysmem_freeptr(atom_getobj(result));
+    return atom_getsym(result);
+}
+
+// The text up to its first blank, without blanks in front.
+static std::string_view first_word(std::string_view text) {
+    constexpr std::string_view blanks = " \t\n\v\f\r";
+    const size_t begin = std::min(text.find_first_not_of(blanks), text.size());
+    const size_t end = std::min(text.find_first_of(blanks, begin), text.size());
+    return text.substr(begin, end - begin);
+}
+
+long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol *value_kind, short *count,
+                              t_atom **result, char with_command, char verbose) {
+    if (!is_ready_for_menus(holder))
+        return -1;
+    path_atoms path;
+    t_atom *end = numbered_path(holder, gensym("menu"), menu, path);
+    t_atom *const kind = end;
+    append(end, "menu-item");
+    append(end, "attr");
+    append(end, "number");
+    append(end, item);
+    const long path_count = end - path.data();
+    const short room = count ? *count : 0;
+    if (jxmlfile_get(holder, path_count, path.data(), value_kind, count, result, verbose) != 0) {
+        object_error(holder->owner, "cannot get menu-item %ld of %s %ld", item, holder->xmlpath[1]->s_name, menu);
+        return -1;
+    }
+    const t_symbol *label = taken_symbol(*count, *result);
+    char text[LABEL_SIZE];
+    std::snprintf(text, sizeof text, "%s", label->s_name);
+    if (with_command && label != gensym("-")) {
+        atom_setsym(kind, gensym("menu-command"));
+        *count = room;
+        if (jxmlfile_get(holder, path_count, path.data(), value_kind, count, result, 0) == 0) {
+            const std::string_view command = first_word(taken_symbol(*count, *result)->s_name);
+            if (!command.empty())
+                std::snprintf(text, sizeof text, "%s/%.*s", label->s_name, static_cast<int>(command.size()),
+                              command.data());
+        }
+    }
+    atom_setsym(*result, gensym(text));
+    *count = 1;
+    return 0;
+}
+
+// ---- files
+
+t_symbol *jxmlresfile_read(t_jxmlfile *holder, t_symbol *filename) {
+    t_symbol *located = vrk_file_locate(filename);
+    char name[MAX_FILENAME_CHARS] = "";
+    short path_id = 0;
+    if (!located)
+        jxmlfile_newdoc(holder, filename);
+    else if (path_frompathname(located->s_name, &path_id, name) == 0)
+        jxmlfile_load(holder, name, path_id);
+    return located;
+}
+
+void jxmlresfile_open(t_jxmlfile *holder) {
+    if (holder && holder->loaded && holder->doc)
+        jxmlfile_open(holder);
+    else
+        ouchstring("No xml file loaded");
+}

@@ -1,0 +1,1318 @@
+// The holder of one XML document: its file, the path language, access to nodes and attributes, editor and printing.
+#include "vrk.jxmlfile.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#ifdef __APPLE__
+#include <xlocale.h>
+#endif
+
+#include <libxml/entities.h>
+#include <libxml/parserInternals.h>
+#include <libxml/valid.h>
+
+#include "vrk.pathname.h"
+
+// Blanks between elements are dropped. The other options keep libxml2 quiet and off the network; entities are neither
+// replaced nor loaded.
+constexpr int PARSE_OPTIONS = XML_PARSE_NOBLANKS | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
+
+constexpr size_t EXPANSION_LIMIT = 10'000'000; // bytes that all entity references of a document may expand to
+constexpr int ENTITY_NESTING_LIMIT = 64;       // libxml2 refuses entities that are nested deeper than 40
+
+// What libxml2 writes but refuses to read again.
+constexpr size_t TEXT_LIMIT = XML_MAX_TEXT_LENGTH;                // bytes of a text, digits of a CDATA section
+constexpr size_t NAME_LIMIT = XML_MAX_NAME_LENGTH;                // bytes of a name
+constexpr size_t START_TAG_LIMIT = XML_MAX_LOOKUP_LIMIT / 10 * 9; // bytes of a start tag, a little room left
+constexpr int DEPTH_LIMIT = 256;                                  // elements in each other
+
+constexpr size_t STEP_SIZE = 128;   // one step of an expression, and each of its parts, with its terminating zero
+constexpr size_t NUMBER_SIZE = 328; // any number as text: a double prints as 318 characters at most
+constexpr size_t TAG_LINE_SIZE = 1024;
+
+// Ends an evaluation that would take minutes. The paths of resource files need about ten operations for each element,
+// so a document that comes near it would not fit into memory.
+constexpr unsigned long EVALUATION_LIMIT = 100'000'000;
+
+// ---- small helpers
+
+static const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar *>(text); }
+static const char *as_text(const xmlChar *text) { return reinterpret_cast<const char *>(text); }
+
+// Text in a buffer that does not grow; what does not fit is left out from there on.
+struct bounded_text {
+    char *text;
+    size_t size; // of the buffer
+    size_t length;
+    bool fits;
+};
+
+// Appends as much as fits, in whole UTF-8 characters.
+static void append(bounded_text *to, const char *piece) {
+    const size_t wanted = to->fits ? std::strlen(piece) : 0;
+    size_t taken = std::min(wanted, to->size - 1 - to->length);
+    to->fits = to->fits && taken == wanted;
+    if (taken < wanted)
+        while (taken > 0 && (piece[taken] & 0xC0) == 0x80)
+            --taken;
+    std::memcpy(to->text + to->length, piece, taken);
+    to->length += taken;
+    to->text[to->length] = '\0';
+}
+
+// Bytes that grow.
+struct byte_buffer {
+    malloc_array<char> bytes;
+    size_t length = 0;
+    size_t capacity = 0;
+};
+
+// Room for `more` bytes and a terminating zero; null when memory runs out.
+static char *reserve(byte_buffer *buffer, size_t more) {
+    const size_t needed = buffer->length + more + 1;
+    if (needed > buffer->capacity) {
+        const size_t capacity = std::max(needed, 2 * buffer->capacity);
+        char *grown = static_cast<char *>(std::realloc(buffer->bytes.get(), capacity));
+        if (!grown)
+            return nullptr;
+        (void)buffer->bytes.release(); // realloc has taken care of it
+        buffer->bytes.reset(grown);
+        buffer->capacity = capacity;
+    }
+    return buffer->bytes.get() + buffer->length;
+}
+
+static bool append(byte_buffer *to, std::string_view bytes) {
+    char *place = reserve(to, bytes.size());
+    if (!place)
+        return false;
+    place[bytes.copy(place, bytes.size())] = '\0';
+    to->length += bytes.size();
+    return true;
+}
+
+// Numbers are printed and read with a decimal point while the scope lasts, whatever locale the program has set.
+class c_numbers {
+  public:
+    c_numbers() : former(uselocale(c_locale())) {}
+    ~c_numbers() { uselocale(former); }
+    c_numbers(const c_numbers &) = delete;
+    c_numbers &operator=(const c_numbers &) = delete;
+
+  private:
+    static locale_t c_locale() {
+        static const locale_t locale = newlocale(LC_NUMERIC_MASK, "C", nullptr);
+        return locale;
+    }
+    locale_t former;
+};
+
+// An integer as "%ld", a float as "%f", any other atom as nothing.
+static const char *number_text(const t_atom *atom, char (&buffer)[NUMBER_SIZE]) {
+    const c_numbers numbers;
+    buffer[0] = '\0';
+    if (atom_gettype(atom) == A_LONG)
+        std::snprintf(buffer, sizeof buffer, "%ld", static_cast<long>(atom_getlong(atom)));
+    else if (atom_gettype(atom) == A_FLOAT)
+        std::snprintf(buffer, sizeof buffer, "%f", static_cast<double>(atom_getfloat(atom)));
+    return buffer;
+}
+
+// The result that an operation gives at once: 0 when there is a document to work on.
+static long availability(const t_jxmlfile *holder) {
+    if (!holder)
+        return -2;
+    return holder->loaded && holder->doc ? 0 : -1;
+}
+
+static long out_of_memory(const t_jxmlfile *holder) {
+    object_error(holder->owner, "out of memory");
+    return -1;
+}
+
+// ---- what XML can hold
+
+// Length of the UTF-8 sequence at `text` when it encodes a character that XML 1.0 allows, else 0.
+static size_t xml_character(const unsigned char *text) {
+    const unsigned first = text[0];
+    if (first < 0x80)
+        return xmlIsCharQ(first) ? 1 : 0;
+    const size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4)
+        return 0;
+    unsigned character = first & (0x7Fu >> length);
+    for (size_t i = 1; i < length; ++i) {
+        if ((text[i] & 0xC0) != 0x80) // the terminating zero as well
+            return 0;
+        character = character << 6 | (text[i] & 0x3Fu);
+    }
+    constexpr unsigned least[] = {0, 0, 0x80, 0x800, 0x10000}; // a longer form than necessary is invalid
+    return character >= least[length] && xmlIsCharQ(character) ? length : 0;
+}
+
+// The first place in a text where there is no character that XML can hold; null when there is none.
+static const char *unholdable(const char *text) {
+    while (*text) {
+        const size_t length = xml_character(reinterpret_cast<const unsigned char *>(text));
+        if (length == 0)
+            return text;
+        text += length;
+    }
+    return nullptr;
+}
+
+// Whether a text survives being written and read again; says why when it does not.
+static bool can_hold_text(t_jxmlfile *holder, const char *text, size_t length) {
+    if (length > TEXT_LIMIT) {
+        object_error(holder->owner, "text is too long for xml (more than %ld bytes)", static_cast<long>(TEXT_LIMIT));
+        return false;
+    }
+    if (const char *place = unholdable(text)) {
+        object_error(holder->owner, "text cannot be held by xml (byte %ld)", static_cast<long>(place - text) + 1);
+        return false;
+    }
+    return true;
+}
+
+// A name of an element or attribute, with one prefix at most. xmlValidateQName would not do: it follows older editions
+// of XML than the parser.
+static bool is_xml_name(const char *name) {
+    if (std::strlen(name) > NAME_LIMIT || unholdable(name) || !xmlValidateNameValue(as_xml(name)))
+        return false;
+    const char *colon = std::strchr(name, ':');
+    return !colon || (colon != name && colon[1] != '\0' && !std::strchr(colon + 1, ':'));
+}
+
+// ---- parsing, and the bound on entities
+
+// The sizes below stop growing here, so that they can be added without a thought.
+static size_t bounded_sum(size_t a, size_t b) { return std::min(a + b, EXPANSION_LIMIT + 1); }
+
+static size_t expansion(xmlDocPtr doc, xmlNodePtr first, int nesting);
+
+// The bytes that a reference to an entity stands for, remembered (plus one) where libxml2 leaves room for applications.
+static size_t entity_expansion(xmlDocPtr doc, const xmlChar *name, int nesting) {
+    xmlEntityPtr entity = xmlGetDocEntity(doc, name);
+    if (!entity || entity->etype == XML_INTERNAL_PREDEFINED_ENTITY)
+        return 0;
+    if (!entity->_private) {
+        size_t size = EXPANSION_LIMIT + 1;
+        if (nesting < ENTITY_NESTING_LIMIT)
+            size = entity->children ? expansion(doc, entity->children, nesting + 1)
+                                    : bounded_sum(0, static_cast<size_t>(std::max(entity->length, 0)));
+        entity->_private = reinterpret_cast<void *>(size + 1);
+    }
+    return reinterpret_cast<size_t>(entity->_private) - 1;
+}
+
+// The node that follows in document order without leaving `top`; null at the end. Only elements are entered: the
+// children of an entity reference are the entity's own declaration.
+static xmlNodePtr next_within(xmlNodePtr node, const xmlNode *top) {
+    if (node->type == XML_ELEMENT_NODE && node->children)
+        return node->children;
+    while (node != top && !node->next)
+        node = node->parent;
+    return node == top ? nullptr : node->next;
+}
+
+// What one node adds to an expansion. Text counts inside of entities only: a document may be as long as it likes.
+static size_t node_expansion(xmlDocPtr doc, const xmlNode *node, int nesting) {
+    size_t size = 0;
+    if (node->type == XML_ENTITY_REF_NODE) {
+        size = entity_expansion(doc, node->name, nesting);
+    } else if (node->type == XML_ELEMENT_NODE) {
+        for (const xmlAttr *attribute = node->properties; attribute; attribute = attribute->next)
+            size = bounded_sum(size, expansion(doc, attribute->children, nesting));
+    } else if (nesting > 0 && node->content && (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE)) {
+        size = bounded_sum(0, std::strlen(as_text(node->content)));
+    }
+    return size;
+}
+
+// The bytes that the entity references in a list of siblings expand to, with all that is below them. Nothing is
+// expanded on the way.
+static size_t expansion(xmlDocPtr doc, xmlNodePtr first, int nesting) {
+    size_t size = 0;
+    for (xmlNodePtr top = first; top; top = top->next)
+        for (xmlNodePtr node = top; node && size <= EXPANSION_LIMIT; node = next_within(node, top))
+            size = bounded_sum(size, node_expansion(doc, node, nesting));
+    return size;
+}
+
+// A parsed document when it can be worked with, else null; says why not. A few kilobytes of entities can stand for
+// gigabytes of text, and libxml2 would produce them when the content is asked for.
+static xml_doc accepted(t_jxmlfile *holder, xml_doc document, const char *name) {
+    if (document && document->intSubset && expansion(document.get(), document->children, 0) > EXPANSION_LIMIT) {
+        object_error(holder->owner, "entities of %s expand to more than %ld bytes", name,
+                     static_cast<long>(EXPANSION_LIMIT));
+        document.reset();
+    }
+    if (!document)
+        object_error(holder->owner, "unable to parse file %s", name);
+    return document;
+}
+
+static void replace_document(t_jxmlfile *holder, xml_doc document) {
+    {
+        const critical_section region;
+        xmlDocPtr former = std::exchange(holder->doc, document.release());
+        document.reset(former);
+    }
+    document.reset(); // a large document takes its time, nobody has to wait for it
+}
+
+// ---- the holder
+
+static std::atomic<long> living_holders{0};
+
+t_jxmlfile *jxmlfile_new(t_object *owner) {
+    auto *holder = reinterpret_cast<t_jxmlfile *>(sysmem_newptr(sizeof(t_jxmlfile)));
+    if (!holder)
+        return nullptr;
+    *holder = {};
+    ++living_holders;
+    holder->owner = owner;
+    holder->root = gensym("resourcefile");
+    holder->xmlpath[0] = gensym("resource");
+    holder->xmlpath[1] = gensym("long");
+    holder->read_qelem = static_cast<t_qelem *>(qelem_new(holder, (method)jxmlfile_doread));
+    holder->write_qelem = static_cast<t_qelem *>(qelem_new(holder, (method)jxmlfile_dowrite));
+    if (!holder->read_qelem || !holder->write_qelem) {
+        jxmlfile_free(holder);
+        return nullptr;
+    }
+    return holder;
+}
+
+void jxmlfile_free(t_jxmlfile *holder) {
+    if (!holder)
+        return;
+    if (holder->doc)
+        xmlFreeDoc(holder->doc);
+    // What libxml2 keeps for the whole process must not go while another holder has a document.
+    if (--living_holders == 0)
+        xmlCleanupParser();
+    if (holder->read_qelem)
+        qelem_free(holder->read_qelem);
+    if (holder->write_qelem)
+        qelem_free(holder->write_qelem);
+    if (t_object *editor = std::exchange(holder->editor, nullptr)) // its owner may hear of it and call jxmlfile_edclose
+        freeobject(editor);
+    sysmem_freeptr(holder);
+}
+
+t_max_err jxmlfile_getroot(t_jxmlfile *holder, void *, long *argc, t_atom **argv) {
+    if (!holder)
+        return MAX_ERR_INVALID_PTR;
+    char allocated = 0;
+    const t_max_err error = atom_alloc(argc, argv, &allocated);
+    return error ? error : atom_setsym(*argv, holder->root);
+}
+
+t_max_err jxmlfile_root(t_jxmlfile *holder, void *, long argc, t_atom *argv) {
+    if (argc < 1 || atom_gettype(argv) != A_SYM)
+        return MAX_ERR_INVALID_PTR;
+    if (holder)
+        holder->root = atom_getsym(argv);
+    return MAX_ERR_NONE;
+}
+
+t_max_err jxmlfile_getxmlpath(t_jxmlfile *holder, void *, long *argc, t_atom **argv) {
+    if (!holder || (*argv && *argc == 1)) // the caller's own array has to hold both words
+        return MAX_ERR_INVALID_PTR;
+    char allocated = 0;
+    if (const t_max_err error = atom_alloc_array(2, argc, argv, &allocated))
+        return error;
+    atom_setsym(*argv, holder->xmlpath[0]);
+    return atom_setsym(*argv + 1, holder->xmlpath[1]);
+}
+
+t_max_err jxmlfile_xmlpath(t_jxmlfile *holder, void *, long argc, t_atom *argv) {
+    for (long i = 0; i < argc && i < 2 && atom_gettype(argv + i) == A_SYM; ++i) {
+        if (!holder)
+            return MAX_ERR_INVALID_PTR;
+        holder->xmlpath[i] = atom_getsym(argv + i);
+    }
+    return MAX_ERR_NONE;
+}
+
+// ---- its file
+
+// The native path of a file that the search path knows, or null; an open editor hears of the file.
+static t_symbol *locate(t_jxmlfile *holder, t_symbol *name) {
+    char found[MAX_PATH_CHARS];
+    char path[MAX_PATH_CHARS] = "";
+    short path_id = 0;
+    t_fourcc type = 0;
+    if (std::strlen(name->s_name) >= sizeof found)
+        return nullptr;
+    strncpy_zero(found, name->s_name, sizeof found);
+    if (locatefile_extended(found, &path_id, &type, nullptr, 0) != 0)
+        return nullptr;
+    if (holder->editor)
+        object_method(holder->editor, gensym("filename"), found, path_id);
+    if (path_topotentialname(path_id, found, path, 0) != 0)
+        return nullptr;
+    return vrk_path_to_OSX_path(holder->owner, gensym(path));
+}
+
+static bool set_current_file(t_jxmlfile *holder, t_symbol *name) {
+    t_symbol *path = locate(holder, name);
+    if (!path) {
+        object_error(holder->owner, "can't find %s", name->s_name);
+        return false;
+    }
+    if (path == holder->file_path) {
+        holder->loaded = 1; // meant, even when its parse has failed: naming the current file counts as having it
+        return true;
+    }
+    holder->loaded = 0;
+    holder->file_path = path;
+    holder->write_path = path;
+    return true;
+}
+
+void jxmlfile_filename(t_jxmlfile *holder, t_symbol *name) {
+    if (holder && name)
+        set_current_file(holder, name);
+}
+
+void jxmlfile_read(t_jxmlfile *holder, t_symbol *name) {
+    if (!holder)
+        return;
+    jxmlfile_filename(holder, name);
+    qelem_set(holder->read_qelem); // meant, even when the name was not found
+}
+
+void jxmlfile_doread(t_jxmlfile *holder) {
+    if (!holder || !holder->file_path)
+        return;
+    const char *path = holder->file_path->s_name;
+    xml_doc document;
+    {
+        const critical_section region;
+        const quiet_libxml quiet;
+        document.reset(xmlReadFile(path, nullptr, PARSE_OPTIONS));
+    }
+    document = accepted(holder, std::move(document), path);
+    holder->loaded = document ? 1 : 0;
+    replace_document(holder, std::move(document));
+}
+
+// Whether an open file begins with "<?xml". The file is closed.
+static bool begins_as_xml(t_filehandle file) {
+    constexpr char beginning[] = {'<', '?', 'x', 'm', 'l'};
+    char bytes[sizeof beginning] = {};
+    t_ptr_size count = sizeof bytes;
+    const bool whole = sysfile_read(file, &count, bytes) == MAX_ERR_NONE && count == sizeof bytes;
+    sysfile_close(file);
+    return whole && std::memcmp(bytes, beginning, sizeof bytes) == 0;
+}
+
+// The full path of a file that exists, in the form that a holder keeps; null when the host cannot give it.
+static t_symbol *full_path(const char *filename, short path_id) {
+    char name[MAX_PATH_CHARS] = "";
+    char path[MAX_PATH_CHARS] = "";
+    const bool had = path_topathname(path_id, filename, name) == 0 &&
+                     path_nameconform(name, path, PATH_STYLE_SLASH, PATH_TYPE_BOOT) == 0;
+    return had ? gensym(path) : nullptr;
+}
+
+short jxmlfile_load(t_jxmlfile *holder, const char *filename, short path_id) {
+    if (!holder || !filename)
+        return 0;
+    t_symbol *path = full_path(filename, path_id);
+    if (path && path == holder->file_path && !availability(holder))
+        return 1;
+    t_filehandle file = nullptr;
+    if (const short error = path_opensysfile(filename, path_id, &file, PATH_READ_PERM)) {
+        object_post(holder->owner, "err %ld opening %s", static_cast<long>(error), filename);
+        return 0;
+    }
+    if (!begins_as_xml(file) || !path || !set_current_file(holder, path))
+        return 0;
+    jxmlfile_doread(holder);
+    return 1;
+}
+
+// A document of two elements; null when memory runs out.
+static xml_doc new_document(const char *root_name, const char *group_name) {
+    xml_doc document(xmlNewDoc(as_xml("1.0")));
+    xml_node root(document ? xmlNewNode(nullptr, as_xml(root_name)) : nullptr);
+    if (!root || !xmlNewChild(root.get(), nullptr, as_xml(group_name), as_xml("")))
+        return nullptr;
+    xmlDocSetRootElement(document.get(), root.release());
+    return document;
+}
+
+void jxmlfile_newdoc(t_jxmlfile *holder, t_symbol *pathname) {
+    if (!holder || !pathname)
+        return;
+    for (const t_symbol *name : {holder->root, holder->xmlpath[0]})
+        if (!is_xml_name(name->s_name)) {
+            object_error(holder->owner, "\"%s\" cannot name an element", name->s_name);
+            return;
+        }
+    xml_doc document = new_document(holder->root->s_name, holder->xmlpath[0]->s_name);
+    if (!document) {
+        out_of_memory(holder);
+        return;
+    }
+    replace_document(holder, std::move(document));
+    holder->write_path = vrk_path_to_OSX_path(holder->owner, pathname);
+    jxmlfile_dowrite(holder);
+}
+
+void jxmlfile_write(t_jxmlfile *holder, t_symbol *pathname) {
+    if (!holder || !pathname)
+        return;
+    holder->write_path = vrk_path_to_OSX_path(holder->owner, pathname);
+    qelem_set(holder->write_qelem);
+}
+
+void jxmlfile_writeagain(t_jxmlfile *holder) {
+    if (holder)
+        qelem_set(holder->write_qelem);
+}
+
+void jxmlfile_dowrite(t_jxmlfile *holder) {
+    if (!holder || !holder->write_path)
+        return;
+    vrk_save_document(holder->write_path, holder->doc); // meant: a failed write is not reported
+    holder->file_path = holder->write_path;
+    vrk_set_editorfile_from_pathname(holder->editor, holder->file_path);
+}
+
+// ---- the path language
+
+static t_atom *take_atom(long *argc, t_atom **argv) {
+    --*argc;
+    return (*argv)++;
+}
+
+// The filter behind the symbol "attr": a name and a value. Values are not quoted.
+static void append_filter(bounded_text *expression, long *argc, t_atom **argv) {
+    if (*argc <= 0)
+        return;
+    const t_atom *name = take_atom(argc, argv);
+    if (atom_gettype(name) != A_SYM)
+        return; // it has taken the name's place all the same
+    append(expression, "[@");
+    append(expression, atom_getsym(name)->s_name);
+    append(expression, "=");
+    if (*argc <= 0)
+        return;
+    const t_atom *value = take_atom(argc, argv);
+    char number[NUMBER_SIZE];
+    switch (atom_gettype(value)) {
+    case A_SYM:
+        append(expression, atom_getsym(value)->s_name);
+        break;
+    case A_LONG:
+    case A_FLOAT:
+        append(expression, number_text(value, number));
+        break;
+    default:
+        return; // the filter stays open, and the expression will be refused
+    }
+    append(expression, "]");
+}
+
+// Appends the expression of a path to a buffer of JXMLFILE_EXPRESSION_SIZE bytes; false when it does not fit. It then
+// ends with "[", with which no expression can end: a part of a path must not be taken for another path.
+static bool append_expression(long *argc, t_atom **argv, char *buffer) {
+    bounded_text expression = {buffer, JXMLFILE_EXPRESSION_SIZE, strnlen(buffer, JXMLFILE_EXPRESSION_SIZE - 1), true};
+    char number[NUMBER_SIZE];
+    while (*argc > 0) {
+        const t_atom *atom = take_atom(argc, argv);
+        switch (atom_gettype(atom)) {
+        case A_SYM:
+            if (atom_getsym(atom) == gensym("attr")) {
+                append_filter(&expression, argc, argv);
+                break;
+            }
+            append(&expression, "/");
+            append(&expression, atom_getsym(atom)->s_name);
+            break;
+        case A_LONG:
+            append(&expression, "[");
+            append(&expression, number_text(atom, number));
+            append(&expression, "]");
+            break;
+        default:
+            break; // meant: a float is no position and is left out like any other atom
+        }
+    }
+    if (!expression.fits) {
+        const size_t last = std::min(expression.length, expression.size - 2);
+        std::memcpy(buffer + last, "[", 2);
+    }
+    return expression.fits;
+}
+
+void jxmlfile_to_xmlXPath(long *argc, t_atom **argv, char **buffer) { append_expression(argc, argv, *buffer); }
+
+// ---- finding nodes
+
+// A context on the holder's document; null is reported.
+static xpath_context new_context(t_jxmlfile *holder) {
+    const quiet_libxml quiet;
+    xpath_context context(xmlXPathNewContext(holder->doc));
+    if (!context) {
+        object_error(holder->owner, "unable to create new xpath context");
+        return nullptr;
+    }
+#if LIBXML_VERSION >= 20910
+    context->opLimit = EVALUATION_LIMIT;
+#endif
+    return context;
+}
+
+// What an expression gives; null is reported. libxml2 hands out node sets in document order.
+static xpath_object evaluate(t_jxmlfile *holder, xmlXPathContextPtr context, const char *expression) {
+    const quiet_libxml quiet;
+    xpath_object found(xmlXPathEvalExpression(as_xml(expression), context));
+    if (!found)
+        object_error(holder->owner, "unable to evaluate xpath expression \"%s\"", expression);
+    return found;
+}
+
+// The first node of a result, or null.
+static xmlNodePtr first_node(const xmlXPathObject *found) {
+    const bool any = found->type == XPATH_NODESET && found->nodesetval && found->nodesetval->nodeNr > 0;
+    return any ? found->nodesetval->nodeTab[0] : nullptr;
+}
+
+long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xpath_object *out) {
+    char expression[JXMLFILE_EXPRESSION_SIZE] = "";
+    append_expression(argc, argv, expression);
+    if (!holder->doc)
+        return -1;
+    const xpath_context context = new_context(holder);
+    if (!context)
+        return -4;
+    *out = evaluate(holder, context.get(), expression);
+    return *out ? 0 : -1;
+}
+
+static long node_warning(t_jxmlfile *holder, const char *message, char verbose) {
+    if (verbose)
+        object_warn(holder->owner, "%s", message);
+    return -1;
+}
+
+long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *out, char verbose) {
+    xpath_object found;
+    if (const long failure = jxmlfile_get_nodeset(holder, argc, argv, &found))
+        return failure;
+    xmlNodePtr node = first_node(found.get());
+    if (!node)
+        return node_warning(holder, "no node at given path", verbose);
+    if (node->type != XML_ELEMENT_NODE)
+        return node_warning(holder, "invalid node at given path", verbose);
+    *out = node;
+    return 0;
+}
+
+long jxmlfile_count(t_jxmlfile *holder, long argc, t_atom *argv, short *count, char) {
+    if (const long refusal = availability(holder))
+        return refusal;
+    xpath_object found;
+    if (const long failure = jxmlfile_get_nodeset(holder, &argc, &argv, &found))
+        return failure;
+    if (found->type != XPATH_NODESET || !count)
+        return -2;
+    const int nodes = found->nodesetval ? found->nodesetval->nodeNr : 0;
+    if (nodes > SHRT_MAX)
+        return -1;
+    *count = static_cast<short>(nodes);
+    return 0;
+}
+
+// ---- making nodes
+
+// A step that names an element to be made, and the attribute that its filter asks for.
+struct step_parts {
+    char name[STEP_SIZE];
+    char attribute[STEP_SIZE]; // empty without a filter
+    char value[STEP_SIZE];
+};
+
+static void copy_part(char (&part)[STEP_SIZE], const char *begin, const char *end) {
+    std::memcpy(part, begin, static_cast<size_t>(end - begin));
+    part[end - begin] = '\0';
+}
+
+// Cuts a step at "[@", the "=" behind it and the "]" behind that; false when it is too long. Quotes around a value
+// stay part of it: the attribute is made as the path spells it.
+static bool split_step(const char *step, step_parts *parts) {
+    const char *end = step + std::strlen(step);
+    if (static_cast<size_t>(end - step) >= STEP_SIZE)
+        return false;
+    *parts = {};
+    const char *filter = std::strstr(step, "[@");
+    copy_part(parts->name, step, filter ? filter : end);
+    const char *equals = filter ? std::strchr(filter, '=') : nullptr;
+    if (!equals)
+        return true;
+    const char *bracket = std::strchr(equals, ']');
+    copy_part(parts->attribute, filter + 2, equals);
+    copy_part(parts->value, equals + 1, bracket ? bracket : end);
+    return true;
+}
+
+// Takes one position, "[3]", off the end of a name; false when there is none.
+static bool drop_position(char *name) {
+    char *bracket = std::strrchr(name, '[');
+    if (!bracket || bracket == name)
+        return false;
+    const char *digits = bracket + 1 + (bracket[1] == '-');
+    const size_t count = std::strspn(digits, "0123456789");
+    if (count == 0 || std::strcmp(digits + count, "]") != 0)
+        return false;
+    *bracket = '\0';
+    return true;
+}
+
+// Whether an element may be made under that name. A position is meant to stay part of the name ("resource[3]"): such
+// an element lives in memory only, as no file that holds it can be read again.
+static bool is_element_name(const char *name) {
+    char base[STEP_SIZE];
+    strncpy_zero(base, name, sizeof base);
+    while (drop_position(base)) {
+    }
+    return is_xml_name(base);
+}
+
+static bool can_have_children(const xmlNode *element) {
+    int depth = 0;
+    for (const xmlNode *node = element; node && node->type == XML_ELEMENT_NODE; node = node->parent)
+        ++depth;
+    return depth < DEPTH_LIMIT;
+}
+
+static xmlNodePtr creation_error(t_jxmlfile *holder, const char *what, const char *prefix) {
+    object_error(holder->owner, "unable to create %s at xpath expression \"%s\"", what, prefix);
+    return nullptr;
+}
+
+// Makes the element of a step under `parent`; null is reported with `prefix`, the expression up to the step.
+static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char *step, const char *prefix) {
+    step_parts parts;
+    if (!split_step(step, &parts) || !is_element_name(parts.name) || !can_have_children(parent))
+        return creation_error(holder, "node", prefix);
+    const bool has_attribute = parts.attribute[0] && parts.value[0];
+    if (has_attribute && (!is_xml_name(parts.attribute) || unholdable(parts.value)))
+        return creation_error(holder, "attribute", prefix);
+    xmlNodePtr element = xmlNewChild(parent, nullptr, as_xml(parts.name), nullptr);
+    if (!element)
+        return creation_error(holder, "node", prefix);
+    if (has_attribute && !xmlNewProp(element, as_xml(parts.attribute), as_xml(parts.value)))
+        return creation_error(holder, "attribute", prefix);
+    return element;
+}
+
+// The first node that the whole expression selects, if it is an element; otherwise made. Walks the expression step by
+// step; every "/" ends a step, also one in a value. Each prefix is evaluated from the document's root, so that what
+// exists is always preferred.
+static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io, char verbose) {
+    const xpath_context context = new_context(holder);
+    if (!context)
+        return -4;
+    xmlNodePtr current = *io;
+    bool is_element = true; // the last match; nothing can be made under another kind of node
+    for (char *step = expression + (*expression == '/');;) {
+        char *end = step + std::strcspn(step, "/");
+        const char ending = std::exchange(*end, '\0');
+        const xpath_object found = evaluate(holder, context.get(), expression);
+        if (!found)
+            return -1;
+        if (xmlNodePtr match = first_node(found.get())) {
+            is_element = match->type == XML_ELEMENT_NODE;
+            current = is_element ? match : nullptr; // a namespace node dies with `found`
+        } else if (current) {
+            current = make_element(holder, current, step, expression);
+            if (!current)
+                return -1;
+        } else if (!is_element) {
+            creation_error(holder, "node", expression);
+            return -1;
+        } // else the document has another root element, and there is nothing to make a node under
+        *end = ending;
+        if (!ending)
+            break;
+        step = end + 1;
+    }
+    if (!is_element)
+        return node_warning(holder, "invalid node at given path", verbose);
+    *io = current;
+    return 0;
+}
+
+long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *io, char verbose) {
+    char expression[JXMLFILE_EXPRESSION_SIZE] = "";
+    const bool fits = append_expression(argc, argv, expression);
+    if (!holder->doc)
+        return -1;
+    if (!fits) { // nothing is made on the way to something that cannot be reached
+        object_error(holder->owner, "unable to evaluate xpath expression \"%s\"", expression);
+        return -1;
+    }
+    return walk_expression(holder, expression, io, verbose);
+}
+
+// ---- reading
+
+// Cuts blanks off both ends. A byte counts as a blank up to 32 as a signed character: this is meant to take bytes above
+// 127 away as well, so that a text that is trimmed here is the same one everywhere.
+static char *trimmed(char *text) {
+    const auto is_blank = [](char byte) { return static_cast<signed char>(byte) <= 32; };
+    char *end = text + std::strlen(text);
+    while (end > text && is_blank(end[-1]))
+        --end;
+    while (text < end && is_blank(*text))
+        ++text;
+    *end = '\0';
+    return text;
+}
+
+// A text as the kind of value that was asked for; a text that is no number counts as 0.
+static void set_value(t_atom *atom, t_symbol *value_kind, const char *text) {
+    const c_numbers numbers;
+    if (value_kind == gensym("int"))
+        atom_setlong(atom, std::strtol(text, nullptr, 10));
+    else if (value_kind == gensym("float"))
+        atom_setfloat(atom, std::strtod(text, nullptr));
+    else
+        atom_setsym(atom, gensym(text));
+}
+
+// The value of each character as a hexadecimal digit. Every character is read on its own, and one that is no digit
+// counts as 0: it is meant that such content is read at all.
+constexpr auto DIGIT_VALUES = [] {
+    std::array<unsigned char, 256> values = {};
+    for (unsigned char i = 0; i < 10; ++i)
+        values['0' + i] = i;
+    for (unsigned char i = 0; i < 6; ++i)
+        values['A' + i] = values['a' + i] = static_cast<unsigned char>(10 + i);
+    return values;
+}();
+
+static unsigned char byte_of_digits(const xmlChar *digits) {
+    return static_cast<unsigned char>(DIGIT_VALUES[digits[0]] << 4 | DIGIT_VALUES[digits[1]]);
+}
+
+// The bytes as one object atom, a block that becomes the caller's.
+static long bytes_as_block(const xmlChar *digits, size_t size, short *count, t_atom *result) {
+    t_ptr block = sysmem_newptr(size);
+    if (!block)
+        return -1;
+    for (size_t i = 0; i < size; ++i)
+        block[i] = static_cast<char>(byte_of_digits(digits + 2 * i));
+    atom_setobj(result, block);
+    *count = 1;
+    return 0;
+}
+
+// As many bytes as there is room for, an integer for each; they are meant to be signed.
+static long bytes_as_integers(const xmlChar *digits, size_t size, short *count, t_atom *result) {
+    *count = static_cast<short>(std::min(size, static_cast<size_t>(*count)));
+    for (short i = 0; i < *count; ++i)
+        atom_setlong(result + i, static_cast<signed char>(byte_of_digits(digits + 2 * i)));
+    return 0;
+}
+
+// The content of an element; its first child decides whether it is text or bytes.
+static long element_content(xmlNodePtr element, t_symbol *value_kind, short *count, t_atom *result) {
+    const xmlNode *first = element->children;
+    if (first && first->type != XML_TEXT_NODE && first->type != XML_CDATA_SECTION_NODE)
+        return -1;
+    const xml_text content(xmlNodeGetContent(element));
+    if (!content)
+        return -1;
+    if (!first || first->type == XML_TEXT_NODE) {
+        set_value(result, value_kind, trimmed(reinterpret_cast<char *>(content.get())));
+        *count = 1;
+        return 0;
+    }
+    const size_t size = std::strlen(as_text(content.get())) / 2; // an odd last digit is left out
+    return *count < 2 ? bytes_as_block(content.get(), size, count, result)
+                      : bytes_as_integers(content.get(), size, count, result);
+}
+
+long jxmlfile_get(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *value_kind, short *count, t_atom **result,
+                  char verbose) {
+    if (const long refusal = availability(holder))
+        return refusal;
+    if (!count || !result || !*result)
+        return -2;
+    if (*count < 1)
+        return -4;
+    xmlNodePtr element = nullptr;
+    if (const long failure = jxmlfile_get_node(holder, &argc, &argv, &element, verbose))
+        return failure;
+    return element_content(element, value_kind, count, *result);
+}
+
+// ---- writing
+
+// The blocks of object atoms, released when the scope ends; a block that stands there twice is released once.
+class owned_blocks {
+  public:
+    owned_blocks(long argc, const t_atom *argv) : count(argc), atoms(argv) {}
+    ~owned_blocks() {
+        for (long i = 0; i < count; ++i)
+            if (void *block = atom_getobj(atoms + i); block && !stands_before(i, block))
+                sysmem_freeptr(block);
+    }
+    owned_blocks(const owned_blocks &) = delete;
+    owned_blocks &operator=(const owned_blocks &) = delete;
+
+  private:
+    bool stands_before(long end, const void *block) const {
+        return std::any_of(atoms, atoms + end, [block](const t_atom &atom) { return atom_getobj(&atom) == block; });
+    }
+
+    long count;
+    const t_atom *atoms;
+};
+
+// The text of a block, which need not end with a zero.
+static std::string_view block_text(void *block) {
+    const char *text = static_cast<const char *>(block);
+    return block ? std::string_view(text, strnlen(text, sysmem_ptrsize(block))) : std::string_view();
+}
+
+// Adds an atom and a blank to a text; false when memory runs out.
+static bool append_atom(byte_buffer *text, const t_atom *atom) {
+    char number[NUMBER_SIZE];
+    std::string_view piece;
+    switch (atom_gettype(atom)) {
+    case A_SYM:
+        piece = atom_getsym(atom)->s_name;
+        break;
+    case A_LONG:
+    case A_FLOAT:
+        piece = number_text(atom, number);
+        break;
+    case A_OBJ:
+        piece = block_text(atom_getobj(atom));
+        break;
+    default:
+        return true;
+    }
+    return append(text, piece) && append(text, " ");
+}
+
+// Joins the atoms with blanks between them; anything but 0 has been reported.
+static long gather_text(t_jxmlfile *holder, byte_buffer *text, long argc, const t_atom *argv) {
+    bool enough_memory = append(text, "");
+    for (long i = 0; i < argc && enough_memory && text->length <= TEXT_LIMIT; ++i)
+        enough_memory = append_atom(text, argv + i);
+    if (!enough_memory)
+        return out_of_memory(holder);
+    if (text->length > 0)
+        text->bytes[--text->length] = '\0';
+    return can_hold_text(holder, text->bytes.get(), text->length) ? 0 : -1;
+}
+
+static long cdata_error(t_jxmlfile *holder, const char *digits) {
+    constexpr long error = -1;
+    // More digits than that have no room on a console line.
+    object_error(holder->owner, "unable to create cdata %.1000s (err %ld)", digits, error);
+    return error;
+}
+
+static long append_digits(t_jxmlfile *holder, byte_buffer *digits, std::string_view bytes) {
+    constexpr char DIGITS[] = "0123456789ABCDEF";
+    if (bytes.size() > (TEXT_LIMIT - digits->length) / 2) {
+        object_error(holder->owner, "data is too long for xml (more than %ld bytes)",
+                     static_cast<long>(TEXT_LIMIT / 2));
+        return -1;
+    }
+    char *place = reserve(digits, 2 * bytes.size());
+    if (!place)
+        return out_of_memory(holder);
+    for (const char byte : bytes) {
+        *place++ = DIGITS[static_cast<unsigned char>(byte) >> 4];
+        *place++ = DIGITS[static_cast<unsigned char>(byte) & 15];
+    }
+    *place = '\0';
+    digits->length += 2 * bytes.size();
+    return 0;
+}
+
+// The low eight bits of a number; a float is cut off towards zero.
+static char low_byte(const t_atom *number) {
+    if (atom_gettype(number) == A_LONG)
+        return static_cast<char>(atom_getlong(number) & 0xFF);
+    const double rest = std::fmod(std::trunc(static_cast<double>(atom_getfloat(number))), 256.0);
+    return std::isfinite(rest) ? static_cast<char>(static_cast<int>(rest) & 0xFF) : '\0';
+}
+
+// Adds all bytes of a block to the digits.
+static long append_block(t_jxmlfile *holder, byte_buffer *digits, void *block) {
+    if (!block)
+        return cdata_error(holder, "");
+    return append_digits(holder, digits, std::string_view(static_cast<const char *>(block), sysmem_ptrsize(block)));
+}
+
+// Adds the bytes of one atom to the digits. Bytes that are given one by one are meant to be a text, in which a zero
+// leaves no trace.
+static long append_data(t_jxmlfile *holder, byte_buffer *digits, const t_atom *atom) {
+    char byte = 0;
+    switch (atom_gettype(atom)) {
+    case A_SYM:
+        return append_digits(holder, digits, atom_getsym(atom)->s_name);
+    case A_LONG:
+    case A_FLOAT:
+        byte = low_byte(atom);
+        return append_digits(holder, digits, std::string_view(&byte, byte ? 1 : 0));
+    case A_OBJ:
+        digits->length = 0; // a block is meant to replace what came before it
+        return append_block(holder, digits, atom_getobj(atom));
+    default:
+        return 0;
+    }
+}
+
+// The atoms' bytes as digits; anything but 0 has been reported.
+static long gather_digits(t_jxmlfile *holder, byte_buffer *digits, long argc, const t_atom *argv) {
+    long failure = append_digits(holder, digits, "");
+    for (long i = 0; i < argc && !failure; ++i)
+        failure = append_data(holder, digits, argv + i);
+    return failure;
+}
+
+// Makes a text the only content of an element. It goes in as a node: xmlNodeSetContent would take "&" for a reference.
+static long store_text(t_jxmlfile *holder, xmlNodePtr element, const char *text) {
+    xml_node node(xmlNewDocText(holder->doc, as_xml(text)));
+    if (!node || !node->content) {
+        object_error(holder->owner, "unable to create text data %.1000s (err %ld)", text, -1L);
+        return -1;
+    }
+    xmlNodeSetContent(element, nullptr);
+    xmlAddChild(element, node.release());
+    return 0;
+}
+
+// Puts a CDATA section in the place of an element's first child.
+static long store_cdata(t_jxmlfile *holder, xmlNodePtr element, const byte_buffer &digits) {
+    xml_node node(xmlNewCDataBlock(holder->doc, as_xml(digits.bytes.get()), static_cast<int>(digits.length)));
+    if (!node || !node->content)
+        return cdata_error(holder, digits.bytes.get());
+    if (element->children)
+        node.reset(xmlReplaceNode(element->children, node.release()));
+    else
+        xmlAddChild(element, node.release());
+    return 0;
+}
+
+// The index of the atom that ends the path, "text" or "cdata"; argc when there is none.
+static long find_keyword(long argc, const t_atom *argv) {
+    const t_symbol *const text = gensym("text");
+    const t_symbol *const cdata = gensym("cdata");
+    long i = 0;
+    while (i < argc && atom_getsym(argv + i) != text && atom_getsym(argv + i) != cdata)
+        ++i;
+    return i;
+}
+
+long jxmlfile_set(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
+    long path_count = find_keyword(argc, argv);
+    const bool has_keyword = path_count < argc;
+    const bool as_cdata = has_keyword && atom_getsym(argv + path_count) == gensym("cdata");
+    const t_atom *data = has_keyword ? argv + path_count + 1 : nullptr;
+    const long data_count = has_keyword ? argc - path_count - 1 : 0;
+    const owned_blocks blocks(as_cdata ? data_count : 0, data);
+    if (const long refusal = availability(holder))
+        return refusal;
+    if (!has_keyword)
+        return -2;
+    byte_buffer content; // before the path, so that nothing is made for what cannot be stored
+    if (const long failure = as_cdata ? gather_digits(holder, &content, data_count, data)
+                                      : gather_text(holder, &content, data_count, data))
+        return failure;
+    xmlNodePtr element = nullptr;
+    if (const long failure = jxmlfile_set_node(holder, &path_count, &argv, &element, verbose))
+        return failure;
+    if (!element)
+        return 0; // meant: under another root there is nothing to do
+    return as_cdata ? store_cdata(holder, element, content) : store_text(holder, element, content.bytes.get());
+}
+
+long jxmlfile_delete(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
+    if (const long refusal = availability(holder))
+        return refusal;
+    xmlNodePtr element = nullptr;
+    if (const long failure = jxmlfile_get_node(holder, &argc, &argv, &element, verbose))
+        return failure;
+    xmlUnlinkNode(element);
+    xmlFreeNode(element);
+    return 0;
+}
+
+// ---- attributes
+
+long jxmlfile_getattr(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *value_kind, short *, t_atom **result,
+                      char verbose) {
+    if (const long refusal = availability(holder))
+        return refusal;
+    if (argc < 1 || !result || !*result)
+        return -2;
+    long path_count = argc - 1;
+    xmlNodePtr element = nullptr;
+    if (const long failure = jxmlfile_get_node(holder, &path_count, &argv, &element, verbose))
+        return failure;
+    if (atom_gettype(argv) != A_SYM)
+        return -1;
+    const char *name = atom_getsym(argv)->s_name;
+    const xml_text value(xmlGetProp(element, as_xml(name)));
+    if (!value) {
+        if (verbose)
+            object_warn(holder->owner, "wrong argument: can't find attr %s", name);
+        return -2;
+    }
+    set_value(*result, value_kind, as_text(value.get()));
+    return 0;
+}
+
+// Whether the name of an attribute is a namespace declaration that the element has already, as "xmlns:p".
+static bool is_declared(const xmlNode *element, const char *name) {
+    if (std::strncmp(name, "xmlns", 5) != 0)
+        return false;
+    for (const xmlNs *declared = element->nsDef; declared; declared = declared->next) {
+        const bool same = declared->prefix ? name[5] == ':' && std::strcmp(name + 6, as_text(declared->prefix)) == 0
+                                           : name[5] == '\0';
+        if (same)
+            return true;
+    }
+    return false;
+}
+
+// The bytes that a text takes in a written attribute, in the longest form that libxml2 chooses.
+static size_t written_length(const char *text) {
+    size_t length = 0;
+    for (; *text; ++text) {
+        const auto byte = static_cast<unsigned char>(*text);
+        if (byte >= 0xC0)
+            length += sizeof "&#x10FFFF;" - 1; // for the whole character
+        else if (std::strchr("<>&\"\n\r\t", byte))
+            length += sizeof "&quot;" - 1;
+        else if (byte < 0x80)
+            length += 1;
+    }
+    return length;
+}
+
+// The bytes that an element's attributes take in its written start tag, without the one of the given name.
+static size_t attributes_length(const xmlNode *element, const char *without) {
+    size_t length = 0;
+    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
+        if (std::strcmp(as_text(attribute->name), without) == 0)
+            continue;
+        length += std::strlen(as_text(attribute->name)) + 4; // ' name=""'
+        for (const xmlNode *part = attribute->children; part; part = part->next)
+            length += part->type == XML_TEXT_NODE ? written_length(as_text(part->content))
+                                                  : std::strlen(as_text(part->name)) + 2;
+    }
+    return length;
+}
+
+// Whether an attribute can be set so that the file can be read again; says why not.
+static bool can_hold_attribute(t_jxmlfile *holder, const xmlNode *element, const char *name, const char *value) {
+    if (!is_xml_name(name) || is_declared(element, name)) {
+        object_error(holder->owner, "\"%s\" cannot name an attribute", name);
+        return false;
+    }
+    if (!can_hold_text(holder, value, std::strlen(value)))
+        return false;
+    if (attributes_length(element, name) + written_length(value) > START_TAG_LIMIT) {
+        object_error(holder->owner, "attributes are too long for xml (more than %ld bytes)",
+                     static_cast<long>(START_TAG_LIMIT));
+        return false;
+    }
+    return true;
+}
+
+// Reports a name that is no symbol.
+static long name_error(t_jxmlfile *holder, const t_atom *name) {
+    if (atom_gettype(name) == A_FLOAT)
+        object_error(holder->owner, "can't set attribute %f", static_cast<double>(atom_getfloat(name)));
+    else
+        object_error(holder->owner, "can't set attribute %ld", static_cast<long>(atom_getlong(name)));
+    return -2;
+}
+
+long jxmlfile_setattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
+    if (const long refusal = availability(holder))
+        return refusal;
+    if (argc < 2)
+        return -2;
+    long path_count = argc - 2;
+    xmlNodePtr element = nullptr;
+    if (const long failure = jxmlfile_get_node(holder, &path_count, &argv, &element, verbose))
+        return failure;
+    if (atom_gettype(argv) != A_SYM)
+        return name_error(holder, argv);
+    char number[NUMBER_SIZE];
+    const char *name = atom_getsym(argv)->s_name;
+    const char *value = atom_gettype(argv + 1) == A_SYM ? atom_getsym(argv + 1)->s_name : number_text(argv + 1, number);
+    if (!can_hold_attribute(holder, element, name, value))
+        return -1;
+    // xmlSetProp makes the attribute as well, and finds one that has a prefix where xmlNewProp would make a second.
+    if (xmlSetProp(element, as_xml(name), as_xml(value)))
+        return 0;
+    if (verbose)
+        object_warn(holder->owner, "unable to set attribute %s to %s", name, value);
+    return -1;
+}
+
+long jxmlfile_deleteattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
+    if (const long refusal = availability(holder))
+        return refusal;
+    if (argc < 1)
+        return -1;
+    long path_count = argc - 1;
+    xmlNodePtr element = nullptr;
+    if (const long failure = jxmlfile_get_node(holder, &path_count, &argv, &element, verbose))
+        return failure;
+    if (atom_gettype(argv) != A_SYM)
+        return -1;
+    xmlUnsetProp(element, as_xml(atom_getsym(argv)->s_name)); // releases it; that it need not be there is meant
+    return 0;
+}
+
+// ---- text editor
+
+void jxmlfile_open(t_jxmlfile *holder) { jxmlfile_openeditor(holder); }
+
+// The document as indented text in UTF-8, which is what the editor takes. A document without an encoding is written in
+// ASCII; one in another encoding is turned into UTF-8, its declaration included.
+static xml_text editor_text(xmlDocPtr document) {
+    const quiet_libxml quiet;
+    xmlChar *text = nullptr;
+    int size = 0;
+    if (document && document->encoding)
+        xmlDocDumpFormatMemoryEnc(document, &text, &size, "UTF-8", 1);
+    else if (document)
+        xmlDocDumpFormatMemory(document, &text, &size, 1);
+    return xml_text(text);
+}
+
+void jxmlfile_openeditor(t_jxmlfile *holder) {
+    if (!holder)
+        return;
+    if (holder->editor) {
+        object_attr_setchar(holder->editor, gensym("visible"), 1);
+        return;
+    }
+    holder->editor = static_cast<t_object *>(object_new(CLASS_NOBOX, gensym("jed"), holder->owner, 0));
+    if (!holder->editor)
+        return;
+    vrk_set_editorfile_from_pathname(holder->editor, holder->file_path);
+    if (const xml_text text = editor_text(holder->doc))
+        object_method(holder->editor, gensym("settext"), text.get(), gensym("utf-8"));
+}
+
+// Queues the writing of a document to the file that its editor was saved as.
+static void write_edited(t_jxmlfile *holder, const char *filename, short path_id) {
+    char path[MAX_PATH_CHARS] = "";
+    if (filename && path_topotentialname(path_id, filename, path, 0) == 0)
+        jxmlfile_write(holder, gensym(path));
+    else if (filename)
+        object_error(holder->owner, "can't find %s", filename);
+    else
+        jxmlfile_writeagain(holder);
+}
+
+// A file of which the editor has no name is the one that the document came from.
+long jxmlfile_edsave(t_jxmlfile *holder, char **text, long size, const char *filename, short path_id) {
+    if (!holder)
+        return 1;
+    const char *bytes = text ? *text : nullptr;
+    const size_t length = bytes && size > 0 ? strnlen(bytes, static_cast<size_t>(size)) : 0;
+    const char *name = filename ? filename : holder->file_path ? holder->file_path->s_name : "";
+    xml_doc document;
+    if (length <= INT_MAX) {
+        const quiet_libxml quiet;
+        document.reset(xmlReadMemory(bytes, static_cast<int>(length), filename, nullptr, PARSE_OPTIONS));
+    }
+    document = accepted(holder, std::move(document), name);
+    if (document) { // else what was held stays, and its file is not overwritten with it
+        replace_document(holder, std::move(document));
+        write_edited(holder, filename, path_id);
+    }
+    return 1;
+}
+
+void jxmlfile_edclose(t_jxmlfile *holder, char **, long) {
+    if (holder)
+        holder->editor = nullptr;
+}
+
+// ---- printing
+
+static void print_opening(const xmlNode *element) {
+    char buffer[TAG_LINE_SIZE] = "";
+    bounded_text line = {buffer, sizeof buffer, 0, true};
+    append(&line, "\n<");
+    append(&line, as_text(element->name));
+    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next) {
+        const xmlNode *value = attribute->children;
+        append(&line, " ");
+        append(&line, as_text(attribute->name));
+        append(&line, "=\"");
+        append(&line, value && value->content ? as_text(value->content) : "");
+        append(&line, "\"");
+    }
+    object_post(nullptr, "%s>", line.text);
+}
+
+static void print_closing(const xmlNode *element) { object_post(nullptr, "\n</%s>", as_text(element->name)); }
+
+// Walks without recursion, so that no document is too deep. Only elements are entered: an entity reference leads to
+// the declarations.
+void jxmlfile_print_element_names(xmlNodePtr first) {
+    int depth = 0;
+    for (const xmlNode *node = first; node;) {
+        const bool is_element = node->type == XML_ELEMENT_NODE;
+        if (is_element)
+            print_opening(node);
+        if (is_element && node->children) {
+            ++depth;
+            node = node->children;
+            continue;
+        }
+        if (is_element)
+            print_closing(node);
+        for (; depth > 0 && !node->next; --depth) {
+            node = node->parent;
+            print_closing(node);
+        }
+        node = node->next;
+    }
+}
+
+void jxmlfile_print(t_jxmlfile *holder) {
+    const xmlNode *root = holder && holder->doc ? xmlDocGetRootElement(holder->doc) : nullptr;
+    if (!root)
+        return;
+    object_post(nullptr, "<%s>", as_text(root->name));
+    jxmlfile_print_element_names(root->children);
+    object_post(nullptr, "\n<%s>", as_text(root->name)); // without a slash, and meant so
+}
+
+void jxmlfile_bang(t_jxmlfile *holder) {
+    if (holder)
+        qelem_set(holder->read_qelem);
+}

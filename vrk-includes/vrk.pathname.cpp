@@ -1,0 +1,91 @@
+// Paths: from the host's form to the native one, files in the search path, and writing a document to a native path.
+#include "vrk.pathname.h"
+
+#include <cstdio>
+#include <cstring>
+
+#ifdef __APPLE__
+#include <CoreServices/CoreServices.h>
+#endif
+
+#include "vrk.owners.h"
+
+static const char *const MAKER = "org.vrk.tessaroll"; // of the temporary folder
+
+t_symbol *vrk_path_to_OSX_path(t_object *, t_symbol *pathname) {
+    char native[MAX_PATH_CHARS] = "";
+    if (pathname)
+        path_nameconform(pathname->s_name, native, PATH_STYLE_SLASH, PATH_TYPE_BOOT);
+    return gensym(native); // nothing, rather than a half path, when the host has failed
+}
+
+t_symbol *vrk_file_locate(t_symbol *filename) {
+    if (!filename || std::strlen(filename->s_name) >= MAX_PATH_CHARS)
+        return nullptr;
+    // The host's name buffer is for a bare name, but what is looked up may be a full path.
+    const host_block<char> name(sysmem_newptr(MAX_PATH_CHARS));
+    const host_block<char> path(sysmem_newptrclear(MAX_PATH_CHARS));
+    if (!name || !path)
+        return nullptr;
+    strncpy_zero(name.get(), filename->s_name, MAX_PATH_CHARS);
+    short path_id = 0;
+    t_fourcc type = 0;
+    if (locatefile_extended(name.get(), &path_id, &type, nullptr, 0) != 0 ||
+        path_topotentialname(path_id, name.get(), path.get(), 0) != 0)
+        return nullptr;
+    return gensym(path.get());
+}
+
+void vrk_set_editorfile_from_pathname(t_object *editor, t_symbol *pathname) {
+    if (!editor || !pathname)
+        return;
+    const host_block<char> name(sysmem_newptrclear(MAX_FILENAME_CHARS));
+    short path_id = 0;
+    if (!name || path_frompathname(pathname->s_name, &path_id, name.get()) != 0)
+        return;
+    object_method(editor, gensym("filename"), name.get(), path_id);
+    object_attr_setsym(editor, gensym("title"), gensym(name.get()));
+}
+
+// The folder that holds the user's temporary items.
+static short temporary_items() {
+#ifdef __APPLE__
+    FSRef folder = {};
+    FSFindFolder(kUserDomain, kTemporaryFolderType, kDontCreateFolder, &folder);
+    return path_fromfsref(&folder);
+#else
+    return path_tempfolder();
+#endif
+}
+
+// The folder `name` in `parent`, made unless it is there; 0 when it can neither be made nor had.
+static short folder_in(short parent, const char *name) {
+    short folder = 0;
+    if (path_createfolder(parent, name, &folder) == 0 || path_getpath(parent, name, &folder) == 0)
+        return folder;
+    return 0;
+}
+
+short vrk_path_tempfolder(const char *subfolder) {
+    const short own = subfolder ? folder_in(temporary_items(), MAKER) : short{0};
+    return own ? folder_in(own, subfolder) : short{0};
+}
+
+int vrk_save_document(t_symbol *native_path, xmlDocPtr doc) {
+    if (!native_path || !doc)
+        return -1;
+    const quiet_libxml quiet;
+    xmlChar *dumped = nullptr;
+    int size = 0;
+    xmlDocDumpMemory(doc, &dumped, &size);
+    const xml_text text(dumped);
+    if (!text || size < 0)
+        return -1;
+    std::FILE *file = std::fopen(native_path->s_name, "wb");
+    if (!file)
+        return -1;
+    const size_t length = static_cast<size_t>(size);
+    const bool written = std::fwrite(text.get(), 1, length, file) == length;
+    const bool closed = std::fclose(file) == 0;
+    return written && closed ? size : -1;
+}
