@@ -1,0 +1,103 @@
+// vrk-run: runs boxes without a screen. A script goes in, a transcript comes out.
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+
+#include <CLI/CLI.hpp>
+
+#include "script.h"
+#include "transcript.h"
+
+namespace {
+
+constexpr int wrong_usage = 2;
+
+struct Options {
+    std::vector<std::string> plugins;
+    std::vector<std::string> search;
+    std::vector<std::string> traces;
+    std::string script;
+};
+
+const std::map<std::string, unsigned> trace_families{{"view", maxhost::trace_view},
+                                                     {"queue", maxhost::trace_queue},
+                                                     {"lock", maxhost::trace_lock},
+                                                     {"file", maxhost::trace_file},
+                                                     {"dirty", maxhost::trace_dirty}};
+
+void describe(CLI::App &app, Options &options) {
+    app.description("Runs boxes without a screen: a script goes in, a transcript comes out.");
+    app.add_option("--plugin", options.plugins, "a module to load (default: the vrk.tessaroll beside this program)")
+        ->allow_extra_args(false);
+    app.add_option("--search", options.search, "a folder to search files in, before the current one")
+        ->allow_extra_args(false);
+    app.add_option("--trace", options.traces, "families of calls to trace: view, queue, lock, file, dirty")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(trace_families));
+    app.add_option("--script", options.script, "the script, - for standard input");
+}
+
+// The plug-in that is built beside this program.
+std::string default_plugin() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / VRK_PLUGIN_FILE).string();
+}
+
+int fail(const std::string &reason) {
+    std::cerr << "vrk-run: " << reason << '\n';
+    return wrong_usage;
+}
+
+bool load_plugins(const Options &options, std::string &reason) {
+    std::vector<std::string> plugins = options.plugins;
+    if (plugins.empty())
+        plugins.push_back(default_plugin());
+    for (const std::string &plugin : plugins)
+        if (!maxhost::load_plugin(plugin, reason))
+            return false;
+    return true;
+}
+
+int run_script(Transcript &transcript, const std::string &file) {
+    std::ifstream opened;
+    if (file != "-") {
+        opened.open(file);
+        if (!opened || std::filesystem::is_directory(file))
+            return fail(file + ": cannot be read");
+    }
+    Script script(transcript);
+    std::string reason;
+    return script.run(file == "-" ? std::cin : opened, file, reason) ? 0 : fail(reason);
+}
+
+int run(const Options &options) {
+    std::string reason;
+    if (!load_plugins(options, reason))
+        return fail(reason);
+    maxhost::set_search_folders(options.search);
+    Transcript transcript(stdout);
+    unsigned traced = 0;
+    for (const std::string &family : options.traces)
+        traced |= trace_families.at(family);
+    maxhost::start_host(transcript.front_end(traced));
+    const int status = options.script.empty() ? 0 : run_script(transcript, options.script);
+    maxhost::stop_host();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    CLI::App app;
+    Options options;
+    describe(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? 0 : wrong_usage;
+    }
+    return run(options);
+}

@@ -1,0 +1,63 @@
+// Scripts: one command a line, carried out as it is read.
+#pragma once
+
+#include <istream>
+#include <string>
+
+#include "embed/host.h"
+#include "transcript.h"
+
+class Script {
+  public:
+    explicit Script(Transcript &transcript) : transcript_(transcript) {}
+    ~Script();
+    Script(const Script &) = delete;
+    Script &operator=(const Script &) = delete;
+
+    // Carries out every line. At a line that is no command it stops and is false; `reason` says "NAME:LINE: why".
+    bool run(std::istream &lines, const std::string &name, std::string &reason);
+
+  private:
+    using Atoms = std::span<const t_atom>;
+    using Messages = std::span<const maxhost::TypedMessage>;
+    using Verb = void (Script::*)(Atoms);
+    struct NamedVerb;
+    static const NamedVerb verbs_[];
+
+    void run_line(const std::string &line);
+    void command(const t_symbol *word, Messages messages);
+    void host(Atoms words);
+
+    void make_box(Atoms words);
+    void connect(Atoms words);
+    void deliver(t_object *box, Messages messages);
+    void deliver_on_scheduler(Messages messages);
+    void deliver_to_receiver(t_symbol *receiver, Messages messages);
+
+    // The verbs of "host"; the words behind the verb.
+    void close(Atoms words);
+    void free(Atoms words);
+    void click(Atoms words);
+    void key(Atoms words);
+    void get(Atoms words);
+    void set(Atoms words);
+    void assist(Atoms words);
+    void paint(Atoms words);
+    void view(Atoms words);
+    void dirty(Atoms words);
+    void clean(Atoms words);
+    void answer(Atoms words);
+    void hold(Atoms words);
+    void drain(Atoms words);
+    void release(Atoms words);
+    void fail(Atoms words);
+    void memory(Atoms words);
+
+    t_object *patcher(); // the open one; an untitled one is opened when none is
+    t_object *box(Atoms words, size_t at);
+    t_symbol *attribute_of(t_object *box, Atoms words, size_t at);
+
+    Transcript &transcript_;
+    t_object *patcher_ = nullptr;
+    bool held_ = false;
+};

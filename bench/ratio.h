@@ -1,0 +1,23 @@
+// Ratios: a figure and the floor that it is held against, measured side by side.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+// One row of the table: what is measured, and the least that it could cost. Both report times that Google Benchmark
+// measures, or their own (SetIterationTime) with `manual_time`.
+struct Ratio {
+    std::string what;
+    std::function<void(benchmark::State &)> figure;
+    std::string floor_name;
+    std::function<void(benchmark::State &)> floor;
+    bool manual_time = false;
+};
+
+// Adds a row; rows are measured and printed in the order of their adding.
+void add_ratio(Ratio ratio);
+
+// The groups of rows, one a source.
+void add_append_ratios();

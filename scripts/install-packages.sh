@@ -1,0 +1,14 @@
+# Sourced: installs the Debian packages named by their arguments that are missing, and nothing when all are there.
+install_packages() {
+  local missing=()
+  for package in "$@"; do
+    dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  echo "installing: ${missing[*]}"
+  apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# What every build needs.
+build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libpng-dev libjpeg62-turbo-dev libcli11-dev)

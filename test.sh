@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Builds with AddressSanitizer and UndefinedBehaviorSanitizer and runs every test; then the tests of the two threads
+# under ThreadSanitizer.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+source scripts/install-packages.sh
+source scripts/build.sh
+install_packages "${build_packages[@]}" libgtest-dev
+build_preset dev
+ctest --preset dev
+build_preset tsan
+ctest --preset tsan
