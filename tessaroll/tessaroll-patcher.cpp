@@ -51,7 +51,7 @@ void tessaroll_deferrestore(t_tessaroll *box, long argc, t_atom *argv) {
     bool goes_on = true;
     while (goes_on) {
         const long piece = std::min<long>(argc, std::numeric_limits<short>::max());
-        defer_low(box, (method)tessaroll_restoreitems, gensym("restoreitems"), (short)piece, argv);
+        defer_low(box, (method)tessaroll_dorestoreitems, gensym("restoreitems"), (short)piece, argv);
         goes_on = piece < argc && std::all_of(argv, argv + piece, is_text);
         argc -= piece;
         argv += piece;
@@ -69,14 +69,16 @@ void tessaroll_restoreitem(t_tessaroll *box, t_symbol *text) {
 }
 
 // The number in the message is that of the items left, this one among them, on purpose.
-void tessaroll_restoreitems(t_tessaroll *box, t_symbol *, short argc, t_atom *argv) {
-    if (argc < 0) // of a message with more atoms than a short can count
-        object_error((t_object *)box, "too many items to restore in one message");
+void tessaroll_restoreitems(t_tessaroll *box, t_symbol *, long argc, t_atom *argv) {
     for (; argc > 0 && argv && atom_gettype(argv) == A_SYM; argc--, argv++) {
         if (too_long(atom_getsym(argv)))
-            object_error((t_object *)box, "item %ld to restore > %ld characters", (long)argc, longest_text);
+            object_error((t_object *)box, "item %ld to restore > %ld characters", argc, longest_text);
         defer_append(box, argv);
     }
+}
+
+void tessaroll_dorestoreitems(t_tessaroll *box, t_symbol *message, short argc, t_atom *argv) {
+    tessaroll_restoreitems(box, message, argc, argv);
 }
 
 void tessaroll_restore(t_tessaroll *box, t_atom_long size, t_atom_long font_number) {

@@ -83,10 +83,10 @@ void tessaroll_save(t_tessaroll *box, t_dictionary *dictionary);
 void tessaroll_deferrestore(t_tessaroll *box, long argc, t_atom *argv);
 
 // Append items without marking the patcher changed. Texts of more than 2048 bytes are reported; "restoreitem" drops
-// them and "restoreitems" keeps them, on purpose. "restoreitems" ends at the first atom that is no symbol; the count is
-// a short because defer_low calls it too.
+// them and "restoreitems" keeps them, on purpose. "restoreitems" ends at the first atom that is no symbol.
 void tessaroll_restoreitem(t_tessaroll *box, t_symbol *text);
-void tessaroll_restoreitems(t_tessaroll *box, t_symbol *message, short argc, t_atom *argv);
+void tessaroll_restoreitems(t_tessaroll *box, t_symbol *message, long argc, t_atom *argv);
+void tessaroll_dorestoreitems(t_tessaroll *box, t_symbol *message, short argc, t_atom *argv);
 
 // Sets the font; -1 leaves the size or the face alone.
 void tessaroll_restore(t_tessaroll *box, t_atom_long size, t_atom_long font_number);

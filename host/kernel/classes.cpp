@@ -139,7 +139,7 @@ using namespace maxhost;
 
 t_class *class_new(const char *name, const method mnew, const method mfree, long size, const method, short type, ...) {
     va_list rest;
-    va_start(rest, type);
+    va_start(rest, type); // NOLINT(clang-diagnostic-varargs): a short in the SDK's prototype
     const std::vector<short> codes = read_codes(type, rest);
     va_end(rest);
     if (!at_door(name && size >= static_cast<long>(sizeof(t_object)), "class_new",
