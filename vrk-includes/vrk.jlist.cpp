@@ -674,14 +674,22 @@ static malloc_array<void *> copy_rows(t_jlist *list, long *count) {
     return copy;
 }
 
+// A text that XML cannot hold has been reported and is written as an empty resource: without a gap in the numbers the
+// others can be read again.
+static void write_text(t_jxmlfile *holder, t_symbol *text, long number) {
+    t_atom value;
+    atom_setsym(&value, text);
+    if (!jxmlresfile_set_resource(holder, gensym("string"), number, &value, 0, 1))
+        return;
+    atom_setsym(&value, _sym_nothing);
+    jxmlresfile_set_resource(holder, gensym("string"), number, &value, 0, 0);
+}
+
 static bool write_texts(t_jlist *list, t_jxmlfile *holder) {
     long count = 0;
     const malloc_array<void *> texts = copy_rows(list, &count);
-    for (long i = 0; texts && i < count; i++) {
-        t_atom value;
-        atom_setsym(&value, (t_symbol *)texts[i]);
-        jxmlresfile_set_resource(holder, gensym("string"), i, &value, 0, 1);
-    }
+    for (long i = 0; texts && i < count; i++)
+        write_text(holder, (t_symbol *)texts[i], i);
     return (bool)texts;
 }
 

@@ -80,7 +80,7 @@ struct byte_buffer {
 static char *reserve(byte_buffer *buffer, size_t more) {
     const size_t needed = buffer->length + more + 1;
     if (needed > buffer->capacity) {
-        const size_t capacity = std::max(needed, 2 * buffer->capacity);
+        const size_t capacity = std::max({needed, 2 * buffer->capacity, size_t{64}});
         char *grown = static_cast<char *>(std::realloc(buffer->bytes.get(), capacity));
         if (!grown)
             return nullptr;
@@ -262,6 +262,7 @@ static xml_doc accepted(t_jxmlfile *holder, xml_doc document, const char *name) 
 }
 
 static void replace_document(t_jxmlfile *holder, xml_doc document) {
+    jxml_index_free(std::exchange(holder->index, nullptr));
     {
         const critical_section region;
         xmlDocPtr former = std::exchange(holder->doc, document.release());
@@ -296,17 +297,19 @@ t_jxmlfile *jxmlfile_new(t_object *owner) {
 void jxmlfile_free(t_jxmlfile *holder) {
     if (!holder)
         return;
+    // The editor goes first: its owner may hear of it and call jxmlfile_edsave or jxmlfile_edclose.
+    if (t_object *editor = std::exchange(holder->editor, nullptr))
+        freeobject(editor);
+    if (holder->read_qelem)
+        qelem_free(holder->read_qelem);
+    if (holder->write_qelem)
+        qelem_free(holder->write_qelem);
+    jxml_index_free(holder->index);
     if (holder->doc)
         xmlFreeDoc(holder->doc);
     // What libxml2 keeps for the whole process must not go while another holder has a document.
     if (--living_holders == 0)
         xmlCleanupParser();
-    if (holder->read_qelem)
-        qelem_free(holder->read_qelem);
-    if (holder->write_qelem)
-        qelem_free(holder->write_qelem);
-    if (t_object *editor = std::exchange(holder->editor, nullptr)) // its owner may hear of it and call jxmlfile_edclose
-        freeobject(editor);
     sysmem_freeptr(holder);
 }
 
@@ -347,6 +350,12 @@ t_max_err jxmlfile_xmlpath(t_jxmlfile *holder, void *, long argc, t_atom *argv) 
 
 // ---- its file
 
+// The native form of a host path name; null when the host cannot give it.
+static t_symbol *native_path(const t_jxmlfile *holder, t_symbol *pathname) {
+    t_symbol *path = vrk_path_to_OSX_path(holder->owner, pathname);
+    return path->s_name[0] ? path : nullptr;
+}
+
 // The native path of a file that the search path knows, or null; an open editor hears of the file.
 static t_symbol *locate(t_jxmlfile *holder, t_symbol *name) {
     char found[MAX_PATH_CHARS];
@@ -360,17 +369,18 @@ static t_symbol *locate(t_jxmlfile *holder, t_symbol *name) {
         return nullptr;
     if (holder->editor)
         object_method(holder->editor, gensym("filename"), found, path_id);
-    if (path_topotentialname(path_id, found, path, 0) != 0)
-        return nullptr;
-    return vrk_path_to_OSX_path(holder->owner, gensym(path));
+    return path_topotentialname(path_id, found, path, 0) == 0 ? native_path(holder, gensym(path)) : nullptr;
+}
+
+static bool not_found(const t_jxmlfile *holder, const char *name) {
+    object_error(holder->owner, "can't find %s", name);
+    return false;
 }
 
 static bool set_current_file(t_jxmlfile *holder, t_symbol *name) {
     t_symbol *path = locate(holder, name);
-    if (!path) {
-        object_error(holder->owner, "can't find %s", name->s_name);
-        return false;
-    }
+    if (!path)
+        return not_found(holder, name->s_name);
     if (path == holder->file_path) {
         holder->loaded = 1; // meant, even when its parse has failed: naming the current file counts as having it
         return true;
@@ -446,12 +456,21 @@ short jxmlfile_load(t_jxmlfile *holder, const char *filename, short path_id) {
 
 // A document of two elements; null when memory runs out.
 static xml_doc new_document(const char *root_name, const char *group_name) {
+    const quiet_libxml quiet;
     xml_doc document(xmlNewDoc(as_xml("1.0")));
     xml_node root(document ? xmlNewNode(nullptr, as_xml(root_name)) : nullptr);
     if (!root || !xmlNewChild(root.get(), nullptr, as_xml(group_name), as_xml("")))
         return nullptr;
     xmlDocSetRootElement(document.get(), root.release());
     return document;
+}
+
+static bool set_write_path(t_jxmlfile *holder, t_symbol *pathname) {
+    t_symbol *path = native_path(holder, pathname);
+    if (!path)
+        return not_found(holder, pathname->s_name);
+    holder->write_path = path;
+    return true;
 }
 
 void jxmlfile_newdoc(t_jxmlfile *holder, t_symbol *pathname) {
@@ -468,15 +487,13 @@ void jxmlfile_newdoc(t_jxmlfile *holder, t_symbol *pathname) {
         return;
     }
     replace_document(holder, std::move(document));
-    holder->write_path = vrk_path_to_OSX_path(holder->owner, pathname);
-    jxmlfile_dowrite(holder);
+    if (set_write_path(holder, pathname))
+        jxmlfile_dowrite(holder);
 }
 
 void jxmlfile_write(t_jxmlfile *holder, t_symbol *pathname) {
-    if (!holder || !pathname)
-        return;
-    holder->write_path = vrk_path_to_OSX_path(holder->owner, pathname);
-    qelem_set(holder->write_qelem);
+    if (holder && pathname && set_write_path(holder, pathname))
+        qelem_set(holder->write_qelem);
 }
 
 void jxmlfile_writeagain(t_jxmlfile *holder) {
@@ -534,23 +551,16 @@ static bool append_expression(long *argc, t_atom **argv, char *buffer) {
     char number[NUMBER_SIZE];
     while (*argc > 0) {
         const t_atom *atom = take_atom(argc, argv);
-        switch (atom_gettype(atom)) {
-        case A_SYM:
-            if (atom_getsym(atom) == gensym("attr")) {
-                append_filter(&expression, argc, argv);
-                break;
-            }
+        if (atom_getsym(atom) == gensym("attr")) {
+            append_filter(&expression, argc, argv);
+        } else if (atom_gettype(atom) == A_SYM) {
             append(&expression, "/");
             append(&expression, atom_getsym(atom)->s_name);
-            break;
-        case A_LONG:
+        } else if (atom_gettype(atom) == A_LONG) {
             append(&expression, "[");
             append(&expression, number_text(atom, number));
             append(&expression, "]");
-            break;
-        default:
-            break; // meant: a float is no position and is left out like any other atom
-        }
+        } // else left out: a float is meant to be no position
     }
     if (!expression.fits) {
         const size_t last = std::min(expression.length, expression.size - 2);
@@ -586,12 +596,6 @@ static xpath_object evaluate(t_jxmlfile *holder, xmlXPathContextPtr context, con
     return found;
 }
 
-// The first node of a result, or null.
-static xmlNodePtr first_node(const xmlXPathObject *found) {
-    const bool any = found->type == XPATH_NODESET && found->nodesetval && found->nodesetval->nodeNr > 0;
-    return any ? found->nodesetval->nodeTab[0] : nullptr;
-}
-
 long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xpath_object *out) {
     char expression[JXMLFILE_EXPRESSION_SIZE] = "";
     append_expression(argc, argv, expression);
@@ -604,6 +608,41 @@ long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xpath_o
     return *out ? 0 : -1;
 }
 
+// What an expression selects.
+struct selection {
+    bool is_nodeset;
+    path_selection nodes;
+    xpath_object found; // keeps namespace nodes alive
+};
+
+// Plain paths are answered from the index, the others by XPath, for which the context is made when it is first needed.
+// 0, or a failure that has been reported.
+static long select_nodes(t_jxmlfile *holder, xpath_context *context, const char *expression, selection *out) {
+    *out = {};
+    out->is_nodeset = jxml_index_select(&holder->index, holder->doc, expression, &out->nodes);
+    if (out->is_nodeset)
+        return 0;
+    if (!*context)
+        *context = new_context(holder);
+    if (!*context)
+        return -4;
+    out->found = evaluate(holder, context->get(), expression);
+    if (!out->found)
+        return -1;
+    out->is_nodeset = out->found->type == XPATH_NODESET;
+    if (const xmlNodeSet *set = out->is_nodeset ? out->found->nodesetval : nullptr; set && set->nodeNr > 0)
+        out->nodes = {set->nodeNr, set->nodeTab[0]};
+    return 0;
+}
+
+static long select_path(t_jxmlfile *holder, long *argc, t_atom **argv, selection *out) {
+    char expression[JXMLFILE_EXPRESSION_SIZE];
+    expression[0] = '\0';
+    append_expression(argc, argv, expression);
+    xpath_context context;
+    return holder->doc ? select_nodes(holder, &context, expression, out) : -1;
+}
+
 static long node_warning(t_jxmlfile *holder, const char *message, char verbose) {
     if (verbose)
         object_warn(holder->owner, "%s", message);
@@ -611,10 +650,10 @@ static long node_warning(t_jxmlfile *holder, const char *message, char verbose) 
 }
 
 long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *out, char verbose) {
-    xpath_object found;
-    if (const long failure = jxmlfile_get_nodeset(holder, argc, argv, &found))
+    selection selected;
+    if (const long failure = select_path(holder, argc, argv, &selected))
         return failure;
-    xmlNodePtr node = first_node(found.get());
+    xmlNodePtr node = selected.nodes.first;
     if (!node)
         return node_warning(holder, "no node at given path", verbose);
     if (node->type != XML_ELEMENT_NODE)
@@ -626,15 +665,14 @@ long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
 long jxmlfile_count(t_jxmlfile *holder, long argc, t_atom *argv, short *count, char) {
     if (const long refusal = availability(holder))
         return refusal;
-    xpath_object found;
-    if (const long failure = jxmlfile_get_nodeset(holder, &argc, &argv, &found))
+    selection selected;
+    if (const long failure = select_path(holder, &argc, &argv, &selected))
         return failure;
-    if (found->type != XPATH_NODESET || !count)
+    if (!selected.is_nodeset || !count)
         return -2;
-    const int nodes = found->nodesetval ? found->nodesetval->nodeNr : 0;
-    if (nodes > SHRT_MAX)
+    if (selected.nodes.count > SHRT_MAX)
         return -1;
-    *count = static_cast<short>(nodes);
+    *count = static_cast<short>(selected.nodes.count);
     return 0;
 }
 
@@ -718,6 +756,7 @@ static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char
         return creation_error(holder, "node", prefix);
     if (has_attribute && !xmlNewProp(element, as_xml(parts.attribute), as_xml(parts.value)))
         return creation_error(holder, "attribute", prefix);
+    jxml_index_added(holder->index, element);
     return element;
 }
 
@@ -725,20 +764,21 @@ static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char
 // step; every "/" ends a step, also one in a value. Each prefix is evaluated from the document's root, so that what
 // exists is always preferred.
 static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io, char verbose) {
-    const xpath_context context = new_context(holder);
-    if (!context)
-        return -4;
+    xpath_context context;
+    selection selected;
     xmlNodePtr current = *io;
     bool is_element = true; // the last match; nothing can be made under another kind of node
-    for (char *step = expression + (*expression == '/');;) {
-        char *end = step + std::strcspn(step, "/");
-        const char ending = std::exchange(*end, '\0');
-        const xpath_object found = evaluate(holder, context.get(), expression);
-        if (!found)
-            return -1;
-        if (xmlNodePtr match = first_node(found.get())) {
+    char *end = expression; // of a step
+    char ending = '\0';
+    do {
+        char *const step = end + (*end == '/');
+        end = step + std::strcspn(step, "/");
+        ending = std::exchange(*end, '\0');
+        if (const long failure = select_nodes(holder, &context, expression, &selected))
+            return failure;
+        if (xmlNodePtr match = selected.nodes.first) {
             is_element = match->type == XML_ELEMENT_NODE;
-            current = is_element ? match : nullptr; // a namespace node dies with `found`
+            current = is_element ? match : nullptr; // a namespace node dies with `selected`
         } else if (current) {
             current = make_element(holder, current, step, expression);
             if (!current)
@@ -748,10 +788,7 @@ static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io
             return -1;
         } // else the document has another root element, and there is nothing to make a node under
         *end = ending;
-        if (!ending)
-            break;
-        step = end + 1;
-    }
+    } while (ending);
     if (!is_element)
         return node_warning(holder, "invalid node at given path", verbose);
     *io = current;
@@ -772,8 +809,8 @@ long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
 
 // ---- reading
 
-// Cuts blanks off both ends. A byte counts as a blank up to 32 as a signed character: this is meant to take bytes above
-// 127 away as well, so that a text that is trimmed here is the same one everywhere.
+// Cuts blanks off both ends. A byte counts as one when it is not above 32 as a signed character: it is meant that a
+// letter outside of ASCII goes with the blanks next to it.
 static char *trimmed(char *text) {
     const auto is_blank = [](char byte) { return static_cast<signed char>(byte) <= 32; };
     char *end = text + std::strlen(text);
@@ -916,7 +953,7 @@ static bool append_atom(byte_buffer *text, const t_atom *atom) {
 // Joins the atoms with blanks between them; anything but 0 has been reported.
 static long gather_text(t_jxmlfile *holder, byte_buffer *text, long argc, const t_atom *argv) {
     bool enough_memory = append(text, "");
-    for (long i = 0; i < argc && enough_memory && text->length <= TEXT_LIMIT; ++i)
+    for (long i = 0; i < argc && enough_memory && text->length <= TEXT_LIMIT + 1; ++i) // with its last blank
         enough_memory = append_atom(text, argv + i);
     if (!enough_memory)
         return out_of_memory(holder);
@@ -993,15 +1030,18 @@ static long gather_digits(t_jxmlfile *holder, byte_buffer *digits, long argc, co
     return failure;
 }
 
-// Makes a text the only content of an element. It goes in as a node: xmlNodeSetContent would take "&" for a reference.
+// Makes a text the only content of an element; an empty one leaves the element empty, as it would be read from a file.
+// The text goes in as a node: xmlNodeSetContent would take "&" for a reference.
 static long store_text(t_jxmlfile *holder, xmlNodePtr element, const char *text) {
-    xml_node node(xmlNewDocText(holder->doc, as_xml(text)));
-    if (!node || !node->content) {
+    xml_node node(*text ? xmlNewDocText(holder->doc, as_xml(text)) : nullptr);
+    if (*text && (!node || !node->content)) {
         object_error(holder->owner, "unable to create text data %.1000s (err %ld)", text, -1L);
         return -1;
     }
+    jxml_index_emptied(holder->index, element);
     xmlNodeSetContent(element, nullptr);
-    xmlAddChild(element, node.release());
+    if (node)
+        xmlAddChild(element, node.release());
     return 0;
 }
 
@@ -1010,6 +1050,7 @@ static long store_cdata(t_jxmlfile *holder, xmlNodePtr element, const byte_buffe
     xml_node node(xmlNewCDataBlock(holder->doc, as_xml(digits.bytes.get()), static_cast<int>(digits.length)));
     if (!node || !node->content)
         return cdata_error(holder, digits.bytes.get());
+    jxml_index_emptied(holder->index, element);
     if (element->children)
         node.reset(xmlReplaceNode(element->children, node.release()));
     else
@@ -1056,6 +1097,7 @@ long jxmlfile_delete(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) 
     xmlNodePtr element = nullptr;
     if (const long failure = jxmlfile_get_node(holder, &argc, &argv, &element, verbose))
         return failure;
+    jxml_index_removed(holder->index, element);
     xmlUnlinkNode(element);
     xmlFreeNode(element);
     return 0;
@@ -1122,8 +1164,8 @@ static size_t attributes_length(const xmlNode *element, const char *without) {
             continue;
         length += std::strlen(as_text(attribute->name)) + 4; // ' name=""'
         for (const xmlNode *part = attribute->children; part; part = part->next)
-            length += part->type == XML_TEXT_NODE ? written_length(as_text(part->content))
-                                                  : std::strlen(as_text(part->name)) + 2;
+            length += part->type == XML_ENTITY_REF_NODE ? std::strlen(as_text(part->name)) + 2
+                                                        : written_length(part->content ? as_text(part->content) : "");
     }
     return length;
 }
@@ -1169,8 +1211,11 @@ long jxmlfile_setattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbose)
     const char *value = atom_gettype(argv + 1) == A_SYM ? atom_getsym(argv + 1)->s_name : number_text(argv + 1, number);
     if (!can_hold_attribute(holder, element, name, value))
         return -1;
+    jxml_index_attribute_lost(holder->index, element, name);
     // xmlSetProp makes the attribute as well, and finds one that has a prefix where xmlNewProp would make a second.
-    if (xmlSetProp(element, as_xml(name), as_xml(value)))
+    const bool is_set = xmlSetProp(element, as_xml(name), as_xml(value)) != nullptr;
+    jxml_index_attribute_set(holder->index, element, name);
+    if (is_set)
         return 0;
     if (verbose)
         object_warn(holder->owner, "unable to set attribute %s to %s", name, value);
@@ -1188,6 +1233,7 @@ long jxmlfile_deleteattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbo
         return failure;
     if (atom_gettype(argv) != A_SYM)
         return -1;
+    jxml_index_attribute_lost(holder->index, element, atom_getsym(argv)->s_name);
     xmlUnsetProp(element, as_xml(atom_getsym(argv)->s_name)); // releases it; that it need not be there is meant
     return 0;
 }
@@ -1224,24 +1270,25 @@ void jxmlfile_openeditor(t_jxmlfile *holder) {
         object_method(holder->editor, gensym("settext"), text.get(), gensym("utf-8"));
 }
 
-// Queues the writing of a document to the file that its editor was saved as.
+// Queues the writing of a document to the file that its editor was saved as, the current one without a name.
 static void write_edited(t_jxmlfile *holder, const char *filename, short path_id) {
     char path[MAX_PATH_CHARS] = "";
-    if (filename && path_topotentialname(path_id, filename, path, 0) == 0)
-        jxmlfile_write(holder, gensym(path));
-    else if (filename)
-        object_error(holder->owner, "can't find %s", filename);
-    else
+    if (!filename)
         jxmlfile_writeagain(holder);
+    else if (path_topotentialname(path_id, filename, path, 0) == 0)
+        jxmlfile_write(holder, gensym(path));
+    else
+        not_found(holder, filename);
 }
 
-// A file of which the editor has no name is the one that the document came from.
 long jxmlfile_edsave(t_jxmlfile *holder, char **text, long size, const char *filename, short path_id) {
     if (!holder)
         return 1;
+    if (filename && !*filename)
+        filename = nullptr;
     const char *bytes = text ? *text : nullptr;
     const size_t length = bytes && size > 0 ? strnlen(bytes, static_cast<size_t>(size)) : 0;
-    const char *name = filename ? filename : holder->file_path ? holder->file_path->s_name : "";
+    const char *name = filename ? filename : holder->write_path ? holder->write_path->s_name : "";
     xml_doc document;
     if (length <= INT_MAX) {
         const quiet_libxml quiet;

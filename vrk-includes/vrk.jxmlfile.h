@@ -1,8 +1,10 @@
 // The holder of one XML document: its file, the path language, access to nodes and attributes, editor and printing.
 #pragma once
 
+#include "vrk.owners.h" // first: libxml2's headers come before the host's, whose macros could bite
+
 #include "ext.h"
-#include "vrk.owners.h"
+#include "vrk.jxml-index.h"
 
 // One document held on behalf of a host object. Made by jxmlfile_new only.
 //
@@ -20,6 +22,7 @@ typedef struct _jxmlfile {
     char loaded;          // 0 or 1
     t_qelem *read_qelem;  // runs jxmlfile_doread
     t_qelem *write_qelem; // runs jxmlfile_dowrite
+    jxml_index *index;    // answers plain paths; null at first
 } t_jxmlfile;
 
 // Room for an XPath expression with its terminating zero.
@@ -70,7 +73,8 @@ short jxmlfile_load(t_jxmlfile *holder, const char *filename, short path_id);
 void jxmlfile_newdoc(t_jxmlfile *holder, t_symbol *pathname);
 
 // Deferred writes: to `pathname`, or to where the last one went. jxmlfile_dowrite writes now; a failed write is not
-// reported, and the path becomes the current file either way.
+// reported, and the path becomes the current file either way. A path name that the host cannot convert is reported
+// ("can't find %s"), and then nothing is written, as in jxmlfile_newdoc.
 void jxmlfile_write(t_jxmlfile *holder, t_symbol *pathname);
 void jxmlfile_writeagain(t_jxmlfile *holder);
 void jxmlfile_dowrite(t_jxmlfile *holder);
@@ -100,9 +104,10 @@ long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xpath_o
 // The first node that the path selects, which must be an element.
 long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *out, char verbose);
 
-// The element at the path, made step by step where it is missing; elements made before a failing step stay. *io is
-// null going in. It is still null, with the result 0, when the first step is not the document's root element: a second
-// root is never made.
+// The element at the path, made step by step where it is missing; elements made before a failing step stay. A step's
+// filter becomes an attribute of what is made, and a position becomes part of its name, so that no file that holds it
+// can be read again. *io is null going in. It is still null, with the result 0, when the first step is not the
+// document's root element: a second root is never made.
 long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *io, char verbose);
 
 // The content of the element at the path, into the array *result of *count atoms; *count becomes what was written.
@@ -123,8 +128,8 @@ long jxmlfile_getattr(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *val
 // hexadecimal in a CDATA section in place of the element's first child; the block of an object atom, with all its
 // bytes, replaces what came before it. Such blocks pass to the holder in every case, also when it refuses the call:
 // they are released with sysmem_freeptr, once, and are not to be touched afterwards.
-// Text that XML cannot hold, and more than libxml2 would read again, is refused with a console line and -1 before
-// anything is changed.
+// Neither word: -2. Text that XML cannot hold, and more than libxml2 would read again, is refused with a console line
+// and -1 before anything is changed.
 long jxmlfile_set(t_jxmlfile *holder, long argc, t_atom *argv, char verbose);
 
 // PATH NAME VALUE: sets an attribute of an element that exists. Refuses as jxmlfile_set does, and names that are none.

@@ -10,7 +10,7 @@
 
 #include "vrk.owners.h"
 
-static const char *const MAKER = "org.vrk.tessaroll"; // of the temporary folder
+constexpr char OWN_FOLDER[] = "org.vrk.tessaroll"; // among the temporary items
 
 t_symbol *vrk_path_to_OSX_path(t_object *, t_symbol *pathname) {
     char native[MAX_PATH_CHARS] = "";
@@ -67,7 +67,7 @@ static short folder_in(short parent, const char *name) {
 }
 
 short vrk_path_tempfolder(const char *subfolder) {
-    const short own = subfolder ? folder_in(temporary_items(), MAKER) : short{0};
+    const short own = subfolder ? folder_in(temporary_items(), OWN_FOLDER) : short{0};
     return own ? folder_in(own, subfolder) : short{0};
 }
 
