@@ -39,6 +39,21 @@ std::string output_line(const std::string &object, long outlet, t_symbol *select
     return text;
 }
 
+std::string editor_text(const EditorState &state, EditorEvent event) {
+    switch (event) {
+    case EditorEvent::text:
+        return "settext " + std::to_string(state.text.size()) + " bytes";
+    case EditorEvent::file:
+        return "filename " + print_quoted(state.file);
+    case EditorEvent::visible:
+        return std::string("visible ") + (state.visible ? "1" : "0");
+    case EditorEvent::close:
+        return "close";
+    default:
+        return "open " + print_quoted(state.title);
+    }
+}
+
 } // namespace
 
 void Transcript::line(const std::string &text) {
@@ -63,6 +78,10 @@ FrontEnd Transcript::front_end(unsigned traced) {
     front.alert = [this](const std::string &text) { line("alert: " + print_text(text)); };
     front.save_dialog = [this](const std::string &prompt, const std::string &proposal) {
         return answer_dialog(prompt, proposal);
+    };
+    front.editor = [this](t_object *editor, EditorEvent event) {
+        if (event != EditorEvent::title) // shown when the window opens
+            line("editor: " + editor_text(editor_state(editor), event));
     };
     return front;
 }

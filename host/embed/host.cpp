@@ -13,6 +13,7 @@
 #include "kernel/scheduler.h"
 #include "ui/box.h"
 #include "ui/dataview.h"
+#include "ui/editor.h"
 #include "ui/patcher.h"
 
 namespace maxhost {
@@ -34,7 +35,10 @@ long rows_in_a_page(t_object *box, const DataView &view) {
 
 } // namespace
 
-void start_host(FrontEnd front) { front_end() = std::move(front); }
+void start_host(FrontEnd front) {
+    front_end() = std::move(front);
+    register_editor();
+}
 
 void stop_host() {
     stop_scheduler();
@@ -215,6 +219,24 @@ std::string assistance(t_object *box, bool inlet, long index) {
     object_method(box, gensym("assist"), nullptr, inlet ? 1 : 2, index, text);
     text[assistance_size - 1] = 0;
     return text;
+}
+
+EditorState editor_state(t_object *editor) {
+    const auto *found = expect<Editor>(editor, "editor_state");
+    return found ? EditorState{found->text, found->file, found->title->s_name, found->visible != 0} : EditorState{};
+}
+
+bool save_editor_text(t_object *editor, const std::string &text) {
+    auto *found = expect<Editor>(editor, "save_editor_text");
+    if (!found)
+        return false;
+    found->text = text;
+    return save_editor(*found);
+}
+
+void close_editor_window(t_object *editor) {
+    if (auto *found = expect<Editor>(editor, "close_editor_window"))
+        close_editor(found);
 }
 
 } // namespace maxhost

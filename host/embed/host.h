@@ -113,4 +113,21 @@ MAXHOST_EMBED DrawList painted_row(t_object *box, long position);
 // The assistance text of an inlet or outlet; empty when the box tells none.
 MAXHOST_EMBED std::string assistance(t_object *box, bool inlet, long index);
 
+// ---- text editors, which plug-ins open; the front end hears what becomes of them
+
+struct EditorState {
+    std::string text; // UTF-8
+    std::string file; // a bare name
+    std::string title;
+    bool visible;
+};
+
+MAXHOST_EMBED EditorState editor_state(t_object *editor);
+
+// A person changes the text and saves it; true when the owner of the editor has taken it.
+MAXHOST_EMBED bool save_editor_text(t_object *editor, const std::string &text);
+
+// A person closes the window; the editor is freed.
+MAXHOST_EMBED void close_editor_window(t_object *editor);
+
 } // namespace maxhost

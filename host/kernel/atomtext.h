@@ -26,7 +26,7 @@ MAXHOST_EMBED std::vector<TypedMessage> parse_messages(std::string_view text);
 MAXHOST_EMBED std::vector<t_atom> parse_atoms(std::string_view text);
 
 // The number that a word reads as, an integer or a float atom; false when it is none.
-bool parse_number(std::string_view word, t_atom &number);
+MAXHOST_EMBED bool parse_number(std::string_view word, t_atom &number);
 
 // An atom as it would be typed, so that it reads back as the same atom: floats with the fewest digits and always a
 // point, symbols in quotes where they need them, control characters as \n, \t, \r or \xHH.

@@ -14,6 +14,9 @@ enum class ConsoleLine { post, warn, error };
 // Families of calls that can be traced; bits of FrontEnd::traced.
 enum TraceFamily : unsigned { trace_view = 1, trace_queue = 2, trace_lock = 4, trace_file = 8, trace_dirty = 16 };
 
+// What became of a text editor.
+enum class EditorEvent { open, text, file, title, visible, close };
+
 // A record of functions, each of which may be left empty. The ones marked (any) are called on the thread on which the
 // thing happens, the others on the main thread.
 struct FrontEnd {
@@ -32,6 +35,7 @@ struct FrontEnd {
     std::function<void(const std::string &text)> alert;
     // Answers the file that a person chooses, or an empty text when the dialog is cancelled.
     std::function<std::string(const std::string &prompt, const std::string &proposal)> save_dialog;
+    std::function<void(t_object *editor, EditorEvent)> editor;
     // (any) A box wants to be painted again.
     std::function<void(t_object *box)> repaint;
 };
