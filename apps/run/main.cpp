@@ -1,4 +1,6 @@
 // vrk-run: runs boxes without a screen. A script goes in, a transcript comes out.
+#include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -91,13 +93,18 @@ int run(const Options &options) {
 } // namespace
 
 int main(int argc, char **argv) {
-    CLI::App app;
-    Options options;
-    describe(app, options);
     try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? 0 : wrong_usage;
+        CLI::App app;
+        Options options;
+        describe(app, options);
+        try {
+            app.parse(argc, argv);
+        } catch (const CLI::ParseError &error) {
+            return app.exit(error) == 0 ? 0 : wrong_usage;
+        }
+        return run(options);
+    } catch (const std::exception &error) { // no memory, or a folder that has gone
+        std::fprintf(stderr, "vrk-run: %s\n", error.what());
+        return wrong_usage;
     }
-    return run(options);
 }

@@ -187,13 +187,13 @@ void jbox_redraw(t_jbox *b) {
 }
 
 t_symbol *jbox_get_fontname(t_object *b) {
-    const t_jbox *box = expect_box(b, "jbox_get_fontname");
-    return box ? box_state(box)->font_name : gensym(default_font);
+    t_jbox *box = expect_box(b, "jbox_get_fontname");
+    return box ? state_of(box).font_name : gensym(default_font);
 }
 
 double jbox_get_fontsize(t_object *b) {
-    const t_jbox *box = expect_box(b, "jbox_get_fontsize");
-    return box ? box_state(box)->font_size : default_font_size;
+    t_jbox *box = expect_box(b, "jbox_get_fontsize");
+    return box ? state_of(box).font_size : default_font_size;
 }
 
 t_max_err jbox_set_fontname(t_object *b, t_symbol *ps) {
