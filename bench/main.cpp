@@ -52,7 +52,9 @@ void add_ratio(Ratio ratio) { ratios.push_back(std::move(ratio)); }
 int main(int argc, char **argv) {
     benchmark::Initialize(&argc, argv);
     maxhost::start_host({});
-    add_append_ratios();
+    add_file_ratios();
+    add_hex_ratios();
+    add_list_ratios();
     for (const Ratio &each : ratios) {
         add_benchmark(each.what, each.figure, each.manual_time);
         add_benchmark(each.what + " / floor", each.floor, false);
@@ -63,7 +65,7 @@ int main(int argc, char **argv) {
     for (const Ratio &each : ratios) {
         const double figure = medians.nanoseconds[each.what];
         const double floor = medians.nanoseconds[each.what + " / floor"];
-        std::printf("| %s | %s | %s | %s | %.1f |\n", each.what.c_str(), readable(figure).c_str(),
+        std::printf("| %s | %s | %s | %s | %.2f |\n", each.what.c_str(), readable(figure).c_str(),
                     each.floor_name.c_str(), readable(floor).c_str(), figure / floor);
     }
     maxhost::stop_host();

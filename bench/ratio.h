@@ -20,4 +20,7 @@ struct Ratio {
 void add_ratio(Ratio ratio);
 
 // The groups of rows, one a source.
-void add_append_ratios();
+void add_file_ratios();
+void add_hex_ratios();
+void add_list_ratios();
+void add_program_ratios();
