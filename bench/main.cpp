@@ -1,6 +1,8 @@
 // Runs the benchmarks and prints one table of ratios.
+#include "memory-bench.h"
 #include "ratio.h"
 
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <vector>
@@ -10,6 +12,7 @@
 namespace {
 
 std::vector<Ratio> ratios;
+constexpr const char *floor_suffix = " / floor";
 
 // Keeps the median of every benchmark and prints nothing itself.
 class Medians : public benchmark::BenchmarkReporter {
@@ -25,10 +28,10 @@ class Medians : public benchmark::BenchmarkReporter {
     std::map<std::string, double> nanoseconds;
 };
 
-void add_benchmark(const std::string &name, const std::function<void(benchmark::State &)> &body, bool manual_time) {
+void add_benchmark(const std::string &name, const std::function<void(benchmark::State &)> &body, bool has_own_time) {
     auto *added = benchmark::RegisterBenchmark(name.c_str(), body)->Unit(benchmark::kNanosecond);
     added->Repetitions(5)->ReportAggregatesOnly(true);
-    if (manual_time)
+    if (has_own_time)
         added->UseManualTime();
     else
         added->UseRealTime();
@@ -49,24 +52,49 @@ std::string readable(double nanoseconds) {
 
 void add_ratio(Ratio ratio) { ratios.push_back(std::move(ratio)); }
 
+namespace {
+
+void print_table(const Medians &medians) {
+    std::printf("| what | time | beside | time | ratio |\n|---|---:|---|---:|---:|\n");
+    for (const Ratio &each : ratios) {
+        const auto figure = medians.nanoseconds.find(each.what);
+        const auto floor = medians.nanoseconds.find(each.what + floor_suffix);
+        if (figure == medians.nanoseconds.end() || floor == medians.nanoseconds.end())
+            continue; // not asked for
+        std::printf("| %s | %s | %s | %s | %.2f |\n", each.what.c_str(), readable(figure->second).c_str(),
+                    each.floor_name.c_str(), readable(floor->second).c_str(), figure->second / floor->second);
+    }
+}
+
+// How the time grows with the count: 1 is in proportion to it, 2 with its square.
+void print_growth(const Medians &medians, const std::string &what) {
+    const auto few = medians.nanoseconds.find(what + " 1000 items");
+    const auto many = medians.nanoseconds.find(what + " 32767 items");
+    if (few != medians.nanoseconds.end() && many != medians.nanoseconds.end())
+        std::printf("\nGrowth exponent of \"%s\" from 1000 to 32767 items: %.2f.\n", what.c_str(),
+                    std::log(many->second / few->second) / std::log(32.767));
+}
+
+} // namespace
+
 int main(int argc, char **argv) {
+    if (run_memory_part(argc, argv))
+        return 0;
     benchmark::Initialize(&argc, argv);
     maxhost::start_host({});
     add_file_ratios();
     add_hex_ratios();
     add_list_ratios();
+    add_program_ratios();
     for (const Ratio &each : ratios) {
-        add_benchmark(each.what, each.figure, each.manual_time);
-        add_benchmark(each.what + " / floor", each.floor, false);
+        add_benchmark(each.what, each.figure, each.figure_has_own_time);
+        add_benchmark(each.what + floor_suffix, each.floor, each.floor_has_own_time);
     }
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
-    std::printf("| what | time | beside | time | ratio |\n|---|---:|---|---:|---:|\n");
-    for (const Ratio &each : ratios) {
-        const double figure = medians.nanoseconds[each.what];
-        const double floor = medians.nanoseconds[each.what + " / floor"];
-        std::printf("| %s | %s | %s | %s | %.2f |\n", each.what.c_str(), readable(figure).c_str(),
-                    each.floor_name.c_str(), readable(floor).c_str(), figure / floor);
-    }
+    print_table(medians);
+    print_growth(medians, "read");
+    print_growth(medians, "write");
+    print_memory_ratio(argv[0]);
     maxhost::stop_host();
 }

@@ -6,14 +6,15 @@
 
 #include <benchmark/benchmark.h>
 
-// One row of the table: what is measured, and the least that it could cost. Both report times that Google Benchmark
-// measures, or their own (SetIterationTime) with `manual_time`.
+// One row of the table: what is measured, and what it is held against. Both report times that Google Benchmark
+// measures, or times of their own (SetIterationTime) where that is said.
 struct Ratio {
     std::string what;
     std::function<void(benchmark::State &)> figure;
     std::string floor_name;
     std::function<void(benchmark::State &)> floor;
-    bool manual_time = false;
+    bool figure_has_own_time = false;
+    bool floor_has_own_time = false;
 };
 
 // Adds a row; rows are measured and printed in the order of their adding.

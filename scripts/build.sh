@@ -1,12 +1,12 @@
-# Sourced: configures and builds a preset, quietly unless something goes wrong.
+# Sourced: configures a preset and builds targets of it (all when none is named), quietly unless something goes wrong.
 build_preset() {
   local preset=$1
   shift
   mkdir -p build
   local log=build/$preset.log
   if [ ! -f "build/$preset/build.ninja" ]; then
-    cmake --preset "$preset" "$@" >"$log" 2>&1 || { cat "$log"; return 1; }
+    cmake --preset "$preset" >"$log" 2>&1 || { cat "$log"; return 1; }
   fi
   echo "building $preset"
-  cmake --build --preset "$preset" >"$log" 2>&1 || { cat "$log"; return 1; }
+  cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 || { cat "$log"; return 1; }
 }

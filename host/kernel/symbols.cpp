@@ -1,8 +1,10 @@
 // Symbols: texts interned once and for ever. Bounded text.
 #include <cstring>
+#include <functional>
 #include <mutex>
+#include <new>
 #include <string_view>
-#include <unordered_map>
+#include <unordered_set>
 
 #include "commonsyms.h"
 #include "ext_proto.h"
@@ -11,9 +13,23 @@
 
 namespace {
 
+// Symbols are found by their text, without a copy of it.
+struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+    size_t operator()(const t_symbol *symbol) const { return (*this)(std::string_view(symbol->s_name)); }
+};
+
+struct TextEqual {
+    using is_transparent = void;
+    static std::string_view text(std::string_view text) { return text; }
+    static std::string_view text(const t_symbol *symbol) { return symbol->s_name; }
+    bool operator()(const auto &a, const auto &b) const { return text(a) == text(b); }
+};
+
 struct SymbolTable {
     std::mutex mutex;
-    std::unordered_map<std::string_view, t_symbol *> symbols;
+    std::unordered_set<t_symbol *, TextHash, TextEqual> symbols;
 };
 
 SymbolTable &symbol_table() {
@@ -21,11 +37,13 @@ SymbolTable &symbol_table() {
     return the_table;
 }
 
+// A symbol with its text behind it in one block: there may be very many of them.
 t_symbol *new_symbol(std::string_view text) {
-    char *name = new char[text.size() + 1];
+    char *block = static_cast<char *>(operator new(sizeof(t_symbol) + text.size() + 1));
+    char *name = block + sizeof(t_symbol);
     std::memcpy(name, text.data(), text.size());
     name[text.size()] = 0;
-    return new t_symbol{name, nullptr};
+    return new (block) t_symbol{name, nullptr};
 }
 
 } // namespace
@@ -37,9 +55,9 @@ t_symbol *gensym(const char *s) {
     SymbolTable &table = symbol_table();
     std::lock_guard lock(table.mutex);
     if (auto found = table.symbols.find(text); found != table.symbols.end())
-        return found->second;
+        return *found;
     t_symbol *symbol = new_symbol(text);
-    table.symbols.emplace(std::string_view(symbol->s_name, text.size()), symbol);
+    table.symbols.insert(symbol);
     return symbol;
 }
 
