@@ -27,9 +27,8 @@ class Document {
         t_atom atoms[3];
         atom_setsym(atoms, gensym("a"));
         atom_setsym(atoms + 1, gensym("cdata"));
-        t_ptr block = sysmem_newptr(byte_count);
-        for (size_t i = 0; i < byte_count; ++i)
-            block[i] = static_cast<char>(i * 7);
+        t_ptr block = sysmem_newptr(byte_count); // becomes the layer's
+        std::memset(block, 'z', byte_count);
         atom_setobj(atoms + 2, block);
         jxmlfile_set(holder_, 3, atoms, 1);
     }

@@ -50,7 +50,10 @@ static bool fit_row_arrays(row_arrays &arrays, long count) {
     return (bool)arrays;
 }
 
-static bool holds_texts(const t_jlist *list) { return list->column_name == gensym("vrk.tessaroll"); }
+static bool holds_texts(const t_jlist *list) {
+    static const t_symbol *const text_column = gensym("vrk.tessaroll");
+    return list->column_name == text_column;
+}
 
 static void destroy_image(void *image) {
     if (image)
@@ -301,7 +304,7 @@ static edit_result delete_item(t_jlist *list, row_arrays &arrays) {
     const long index = list->delete_index, rows = rows_with_data(list);
     if (rows < 2)
         return edit_result::too_few_rows;
-    if (!has_row(list, index + 1))
+    if (index < 0 || index >= rows)
         return edit_result::no_such_row;
     if (!fit_row_arrays(arrays, rows - 1))
         return edit_result::no_memory;
@@ -498,11 +501,10 @@ static void set_resource_path(t_atom *path, const t_jxmlfile *holder) {
 
 // The text ends at the first zero byte. Null when memory runs out.
 static t_symbol *make_text(std::string_view bytes) {
-    const size_t length = std::min(bytes.find('\0'), bytes.size());
-    const host_block<char> text(sysmem_newptrclear(length + 1));
+    const host_block<char> text(sysmem_newptrclear(bytes.size() + 1));
     if (!text)
         return nullptr;
-    std::copy_n(bytes.data(), length, text.get());
+    std::copy_n(bytes.data(), bytes.size(), text.get());
     return gensym(text.get());
 }
 
@@ -536,6 +538,10 @@ static bool read_item(const t_jlist *list, t_jxmlfile *holder, t_atom *path, lon
         const host_block<char> block((char *)atom_getobj(&value));
         const size_t size = block ? (size_t)sysmem_ptrsize(block.get()) : 0;
         return make_item(list, {block.get(), size}, number, item);
+    }
+    if (kind == A_SYM && holds_texts(list)) {
+        *item = atom_getsym(&value);
+        return true;
     }
     if (kind == A_SYM)
         return make_item(list, atom_getsym(&value)->s_name, number, item);
@@ -676,20 +682,21 @@ static malloc_array<void *> copy_rows(t_jlist *list, long *count) {
 
 // A text that XML cannot hold has been reported and is written as an empty resource: without a gap in the numbers the
 // others can be read again.
-static void write_text(t_jxmlfile *holder, t_symbol *text, long number) {
+static void write_text(t_jxmlfile *holder, t_symbol *type, t_symbol *text, long number) {
     t_atom value;
     atom_setsym(&value, text);
-    if (!jxmlresfile_set_resource(holder, gensym("string"), number, &value, 0, 1))
+    if (!jxmlresfile_set_resource(holder, type, number, &value, 0, 1))
         return;
     atom_setsym(&value, _sym_nothing);
-    jxmlresfile_set_resource(holder, gensym("string"), number, &value, 0, 0);
+    jxmlresfile_set_resource(holder, type, number, &value, 0, 0);
 }
 
 static bool write_texts(t_jlist *list, t_jxmlfile *holder) {
     long count = 0;
     const malloc_array<void *> texts = copy_rows(list, &count);
+    t_symbol *type = gensym("string");
     for (long i = 0; texts && i < count; i++)
-        write_text(holder, (t_symbol *)texts[i], i);
+        write_text(holder, type, (t_symbol *)texts[i], i);
     return (bool)texts;
 }
 

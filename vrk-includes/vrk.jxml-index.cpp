@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,19 +30,32 @@ struct plain_path {
     std::string_view attribute;
     double number = 0;
 
-    std::string_view up_to_filter; // the expression before "[@"
+    std::string_view head; // the expression before the number
 };
 
-bool is_name_start(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
-bool is_name_part(char c) { return is_name_start(c) || is_digit(c) || c == '-' || c == '.'; }
+
+enum character_class : unsigned char { no_name, name_part, name_start };
+
+constexpr auto character_classes = [] {
+    std::array<character_class, 256> classes{};
+    for (unsigned char c = 'a'; c <= 'z'; ++c)
+        classes[c] = classes[c - 'a' + 'A'] = name_start;
+    for (unsigned char c = '0'; c <= '9'; ++c)
+        classes[c] = name_part;
+    classes['_'] = name_start;
+    classes['-'] = classes['.'] = name_part;
+    return classes;
+}();
+
+character_class class_of(char c) { return character_classes[static_cast<unsigned char>(c)]; }
 
 // Takes a name off the front of the text; false when there is none. Other names that XML allows go to XPath.
 bool take_name(std::string_view &text, std::string_view &name) {
-    if (text.empty() || !is_name_start(text[0]))
+    if (text.empty() || class_of(text[0]) != name_start)
         return false;
     size_t length = 1;
-    while (length < text.size() && is_name_part(text[length]))
+    while (length < text.size() && class_of(text[length]) != no_name)
         ++length;
     name = text.substr(0, length);
     text.remove_prefix(length);
@@ -83,9 +97,10 @@ bool read_plain_path(const char *expression, plain_path *path) {
         if (path->filtered || text.empty() || text[0] != '[')
             continue;
         path->filtered = path->count;
-        path->up_to_filter = {expression, static_cast<size_t>(text.data() - expression)};
-        if (!take(text, "[@") || !take_name(text, path->attribute) || !take(text, "=") ||
-            !take_number(text, path->number) || !take(text, "]"))
+        if (!take(text, "[@") || !take_name(text, path->attribute) || !take(text, "="))
+            return false;
+        path->head = {expression, static_cast<size_t>(text.data() - expression)};
+        if (!take_number(text, path->number) || !take(text, "]"))
             return false;
     }
     return path->count > 0;
@@ -153,11 +168,13 @@ bool is_less(const numbered_element &a, const numbered_element &b) { return a.nu
 // The elements of one path that have a numeric attribute of one name, by number, and of the same number in document
 // order.
 struct number_index {
-    std::string path; // "/resourcefile/resource/string"; empty while the index is not in use
+    std::string head; // of expressions: "/resourcefile/resource/string[@number="; empty while the index is not in use
     std::vector<std::string> names;
     std::string attribute;
     std::vector<numbered_element> elements;
     size_t gone = 0;
+    size_t next = 0;                 // behind the elements that were found last
+    const xmlNode *parent = nullptr; // of the element that was made last: it has the right path
 };
 
 enum class relation { none, above, same };
@@ -165,6 +182,8 @@ enum class relation { none, above, same };
 // Whether the path selects an element, or elements that could lie below it.
 relation relate(const number_index &index, const xmlNode *element) {
     const std::vector<std::string> &names = index.names;
+    if (element->parent && element->parent == index.parent)
+        return is_element(element, names.back()) ? relation::same : relation::none;
     size_t depth = depth_of(element);
     if (depth == 0 || depth > names.size())
         return relation::none;
@@ -179,33 +198,42 @@ void build(number_index &index, xmlDocPtr doc, const plain_path &path) {
     xmlInitParser(); // makes libxml2's not-a-number
     index.names.assign(path.names.begin(), path.names.begin() + static_cast<long>(path.filtered));
     index.attribute = path.attribute;
-    const auto *top = reinterpret_cast<const xmlNode *>(doc);
-    size_t count = 0;
-    walk(top, path.names.data(), path.filtered, [&](xmlNodePtr) { ++count; });
-    index.elements.reserve(count);
-    walk(top, path.names.data(), path.filtered, [&](xmlNodePtr element) {
+    walk(reinterpret_cast<const xmlNode *>(doc), path.names.data(), path.filtered, [&](xmlNodePtr element) {
         if (const double number = number_of(element, path.attribute); !std::isnan(number))
             index.elements.push_back({number, element});
     });
     if (!std::is_sorted(index.elements.begin(), index.elements.end(), is_less))
         std::stable_sort(index.elements.begin(), index.elements.end(), is_less);
-    index.path = path.up_to_filter;
+    index.head = path.head;
 }
 
 void drop(number_index &index) { index = number_index(); }
+
+// The elements of a number, or the place where they would be. They are mostly asked for in order, and added at the end.
+std::span<numbered_element> find(number_index &index, double number) {
+    std::vector<numbered_element> &all = index.elements;
+    size_t at = index.next;
+    if (all.empty() || all.back().number < number)
+        at = all.size();
+    else if (at >= all.size() || all[at].number != number || (at > 0 && all[at - 1].number == number))
+        at = static_cast<size_t>(std::lower_bound(all.begin(), all.end(), numbered_element{number, nullptr}, is_less) -
+                                 all.begin());
+    index.next = at;
+    while (index.next < all.size() && all[index.next].number == number)
+        ++index.next;
+    return {all.data() + at, index.next - at};
+}
 
 // Takes an element out; it may not be in.
 void forget(number_index &index, double number, const xmlNode *element) {
     if (std::isnan(number))
         return;
-    const auto [first, last] =
-        std::equal_range(index.elements.begin(), index.elements.end(), numbered_element{number, nullptr}, is_less);
-    for (auto at = first; at != last; ++at) {
-        if (at->element != element)
+    for (numbered_element &each : find(index, number)) {
+        if (each.element != element)
             continue;
-        at->element = nullptr;
+        each.element = nullptr;
         if (++index.gone > index.elements.size() / 2) {
-            std::erase_if(index.elements, [](const numbered_element &each) { return !each.element; });
+            std::erase_if(index.elements, [](const numbered_element &one) { return !one.element; });
             index.gone = 0;
         }
         return;
@@ -217,12 +245,12 @@ void forget(number_index &index, double number, const xmlNode *element) {
 void add(number_index &index, double number, xmlNodePtr element) {
     if (std::isnan(number))
         return;
-    const auto [first, last] =
-        std::equal_range(index.elements.begin(), index.elements.end(), numbered_element{number, nullptr}, is_less);
-    if (std::any_of(first, last, [](const numbered_element &each) { return each.element != nullptr; }))
+    const std::span<numbered_element> same = find(index, number);
+    if (std::any_of(same.begin(), same.end(), [](const numbered_element &each) { return each.element != nullptr; }))
         drop(index);
     else
-        index.elements.insert(last, {number, element});
+        index.elements.insert(index.elements.begin() + (same.data() + same.size() - index.elements.data()),
+                              {number, element});
 }
 
 } // namespace
@@ -231,18 +259,17 @@ struct jxml_index {
     xmlDocPtr doc = nullptr; // that all of them are of
     std::array<number_index, most_indexes> indexes;
     size_t oldest = 0;
+
+    std::string parent_path;     // that jxml_index_parent was asked for last
+    xmlNodePtr parent = nullptr; // what it selects; null when that has to be found anew
 };
 
 namespace {
 
 // The index for the filter of a path; an old one gives way to a new one.
 number_index &index_for(jxml_index &all, xmlDocPtr doc, const plain_path &path) {
-    if (all.doc != doc) {
-        all = jxml_index();
-        all.doc = doc;
-    }
     for (number_index &each : all.indexes)
-        if (each.path == path.up_to_filter && each.attribute == path.attribute)
+        if (each.head == path.head)
             return each;
     number_index &made = all.indexes[all.oldest];
     drop(made); // while it is built it answers nothing
@@ -251,29 +278,41 @@ number_index &index_for(jxml_index &all, xmlDocPtr doc, const plain_path &path) 
     return made;
 }
 
-void select_numbered(const number_index &index, const plain_path &path, path_selection *out) {
-    const auto visit = [out](xmlNodePtr node) {
-        if (out->count++ == 0)
-            out->first = node;
-    };
-    const auto [first, last] =
-        std::equal_range(index.elements.begin(), index.elements.end(), numbered_element{path.number, nullptr}, is_less);
+void add_to(path_selection *selection, xmlNodePtr node) {
+    if (selection->count++ == 0)
+        selection->first = node;
+}
+
+void select_numbered(number_index &index, const plain_path &path, path_selection *out) {
     const size_t rest = path.count - path.filtered;
-    for (auto at = first; at != last; ++at) {
-        if (!at->element)
-            continue;
-        if (rest == 0)
-            visit(at->element);
-        else
-            walk(at->element, path.names.data() + path.filtered, rest, visit);
+    for (const numbered_element &each : find(index, path.number)) {
+        if (each.element && rest == 0)
+            add_to(out, each.element);
+        else if (each.element)
+            walk(each.element, path.names.data() + path.filtered, rest, [out](xmlNodePtr node) { add_to(out, node); });
     }
+}
+
+// Answers an expression that differs from earlier ones by its number alone; false for any other.
+bool select_again(jxml_index &all, std::string_view expression, path_selection *out) {
+    for (number_index &index : all.indexes) {
+        std::string_view rest = expression;
+        double number = 0;
+        if (index.head.empty() || !take(rest, index.head) || !take_number(rest, number) || rest != "]")
+            continue;
+        for (const numbered_element &each : find(index, number))
+            if (each.element)
+                add_to(out, each.element);
+        return true;
+    }
+    return false;
 }
 
 // Carries out a change of every index that is in use; one for which memory runs out is given up.
 template <typename Change> void change_each(jxml_index *all, const Change &change) {
     for (size_t i = 0; all && i < most_indexes; ++i) {
         number_index &index = all->indexes[i];
-        if (index.path.empty())
+        if (index.head.empty())
             continue;
         try {
             change(index);
@@ -286,20 +325,25 @@ template <typename Change> void change_each(jxml_index *all, const Change &chang
 } // namespace
 
 bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression, path_selection *out) {
+    *out = {};
+    if (*index && (*index)->doc != doc) {
+        delete *index;
+        *index = nullptr;
+    }
+    if (*index && select_again(**index, expression, out))
+        return true;
     plain_path path;
     if (!read_plain_path(expression, &path))
         return false;
-    *out = {};
+    if (path.filtered == 0) {
+        walk(reinterpret_cast<const xmlNode *>(doc), path.names.data(), path.count,
+             [out](xmlNodePtr node) { add_to(out, node); });
+        return true;
+    }
     try {
-        if (path.filtered == 0) {
-            walk(reinterpret_cast<const xmlNode *>(doc), path.names.data(), path.count, [out](xmlNodePtr node) {
-                if (out->count++ == 0)
-                    out->first = node;
-            });
-            return true;
-        }
         if (!*index)
             *index = new jxml_index;
+        (*index)->doc = doc;
         select_numbered(index_for(**index, doc, path), path, out);
         return true;
     } catch (const std::bad_alloc &) {
@@ -307,10 +351,34 @@ bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression
     }
 }
 
+xmlNodePtr jxml_index_parent(jxml_index *index, xmlDocPtr doc, const char *expression) {
+    if (index && index->doc == doc && index->parent && index->parent_path == expression)
+        return index->parent;
+    plain_path path;
+    path_selection selection{};
+    if (!read_plain_path(expression, &path) || path.filtered)
+        return nullptr;
+    walk(reinterpret_cast<const xmlNode *>(doc), path.names.data(), path.count,
+         [&](xmlNodePtr node) { add_to(&selection, node); });
+    if (index && index->doc == doc) {
+        try {
+            index->parent_path = expression;
+            index->parent = selection.first;
+        } catch (const std::bad_alloc &) {
+            index->parent = nullptr;
+        }
+    }
+    return selection.first;
+}
+
 void jxml_index_added(jxml_index *all, xmlNodePtr element) {
+    if (all && all->parent && xmlStrEqual(all->parent->name, element->name))
+        all->parent = nullptr; // it may come before the one that is known
     change_each(all, [element](number_index &index) {
-        if (relate(index, element) == relation::same)
-            add(index, number_of(element, index.attribute), element);
+        if (relate(index, element) != relation::same)
+            return;
+        index.parent = element->parent;
+        add(index, number_of(element, index.attribute), element);
     });
 }
 
@@ -329,6 +397,8 @@ void jxml_index_attribute_lost(jxml_index *all, xmlNodePtr element, const char *
 }
 
 void jxml_index_removed(jxml_index *all, xmlNodePtr element) {
+    if (all)
+        all->parent = nullptr;
     change_each(all, [element](number_index &index) {
         switch (relate(index, element)) {
         case relation::same:
@@ -344,6 +414,8 @@ void jxml_index_removed(jxml_index *all, xmlNodePtr element) {
 }
 
 void jxml_index_emptied(jxml_index *all, xmlNodePtr element) {
+    if (all)
+        all->parent = nullptr;
     change_each(all, [element](number_index &index) {
         if (relate(index, element) == relation::above)
             drop(index);

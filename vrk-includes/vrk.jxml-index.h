@@ -25,6 +25,10 @@ struct jxml_index;
 // the first call and is made when it is needed.
 bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression, path_selection *out);
 
+// The first node that a plain path without a filter selects, or null: the parent that an element is made under, which
+// is mostly that of the element before.
+xmlNodePtr jxml_index_parent(jxml_index *index, xmlDocPtr doc, const char *expression);
+
 // An element was made, or got the attribute `name`: after that has happened. It loses the attribute, or gets another
 // value for it: before. It is taken out of the document, or its content is replaced: before. A null index is accepted.
 void jxml_index_added(jxml_index *index, xmlNodePtr element);

@@ -15,6 +15,20 @@ constexpr size_t LABEL_SIZE = 1024; // a label with its command and a terminatin
 // The longest path, with what "set" adds to it.
 using path_atoms = std::array<t_atom, 10>;
 
+// The words that are needed for every resource, interned once.
+struct resource_symbols {
+    t_symbol *nothing = gensym("");
+    t_symbol *attr = gensym("attr");
+    t_symbol *number = gensym("number");
+    t_symbol *text = gensym("text");
+    t_symbol *cdata = gensym("cdata");
+};
+
+static const resource_symbols &symbols() {
+    static const resource_symbols all;
+    return all;
+}
+
 // A path in the order of its atoms: a text becomes a symbol.
 static void append(t_atom *&end, const char *word) { atom_setsym(end++, gensym(word)); }
 static void append(t_atom *&end, t_symbol *word) { atom_setsym(end++, word); }
@@ -26,8 +40,8 @@ static t_atom *numbered_path(const t_jxmlfile *holder, t_symbol *element, long n
     append(end, holder->root);
     append(end, holder->xmlpath[0]);
     append(end, element);
-    append(end, "attr");
-    append(end, "number");
+    append(end, symbols().attr);
+    append(end, symbols().number);
     append(end, number);
     return end;
 }
@@ -39,9 +53,9 @@ static bool is_ready(const t_jxmlfile *holder) {
     const char *missing = nullptr;
     if (!holder->loaded || !holder->doc)
         missing = "no xml file loaded";
-    else if (holder->root == gensym(""))
+    else if (holder->root == symbols().nothing)
         missing = "no root tag defined";
-    else if (holder->xmlpath[0] == gensym(""))
+    else if (holder->xmlpath[0] == symbols().nothing)
         missing = "no xml path defined";
     if (missing)
         object_error(holder->owner, "%s", missing);
@@ -52,7 +66,7 @@ static bool is_ready(const t_jxmlfile *holder) {
 static bool is_ready_for_menus(const t_jxmlfile *holder) {
     if (!is_ready(holder))
         return false;
-    if (holder->xmlpath[1] != gensym(""))
+    if (holder->xmlpath[1] != symbols().nothing)
         return true;
     object_error(holder->owner, "no xml path defined");
     return false;
@@ -94,7 +108,7 @@ long jxmlresfile_get_resource(t_jxmlfile *holder, t_symbol *type, long number, t
 // element.
 static bool hides_keyword(const path_atoms &path) {
     for (size_t i = 0; i < 3; ++i)
-        if (atom_getsym(&path[i]) == gensym("text") || atom_getsym(&path[i]) == gensym("cdata"))
+        if (const t_symbol *word = atom_getsym(&path[i]); word == symbols().text || word == symbols().cdata)
             return true;
     return false;
 }
@@ -106,7 +120,7 @@ long jxmlresfile_set_resource(t_jxmlfile *holder, t_symbol *type, long number, t
         return -1;
     path_atoms path;
     t_atom *end = numbered_path(holder, type, number, path);
-    append(end, as_cdata ? "cdata" : "text");
+    append(end, as_cdata ? symbols().cdata : symbols().text);
     *end++ = *value;
     long failure = -1;
     if (!hides_keyword(path)) {
@@ -154,7 +168,7 @@ long jxmlresfile_count_menuitems(t_jxmlfile *holder, long menu, long *count, cha
 // The symbol that a read has left, the empty one for anything else. Bytes are no label: their block is released.
 static t_symbol *taken_symbol(short count, const t_atom *result) {
     if (count < 1)
-        return gensym("");
+        return symbols().nothing;
     sysmem_freeptr(atom_getobj(result));
     return atom_getsym(result);
 }
@@ -175,8 +189,8 @@ long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol
     t_atom *end = numbered_path(holder, gensym("menu"), menu, path);
     t_atom *const kind = end;
     append(end, "menu-item");
-    append(end, "attr");
-    append(end, "number");
+    append(end, symbols().attr);
+    append(end, symbols().number);
     append(end, item);
     const long path_count = end - path.data();
     const short room = count ? *count : 0;

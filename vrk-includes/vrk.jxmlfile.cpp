@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <charconv>
 #include <climits>
 #include <clocale>
 #include <cmath>
@@ -69,6 +70,14 @@ static void append(bounded_text *to, const char *piece) {
     to->text[to->length] = '\0';
 }
 
+static void append(bounded_text *to, char piece) {
+    to->fits = to->fits && to->length + 1 < to->size;
+    if (!to->fits)
+        return;
+    to->text[to->length++] = piece;
+    to->text[to->length] = '\0';
+}
+
 // Bytes that grow.
 struct byte_buffer {
     malloc_array<char> bytes;
@@ -118,13 +127,28 @@ class c_numbers {
 
 // An integer as "%ld", a float as "%f", any other atom as nothing.
 static const char *number_text(const t_atom *atom, char (&buffer)[NUMBER_SIZE]) {
-    const c_numbers numbers;
     buffer[0] = '\0';
-    if (atom_gettype(atom) == A_LONG)
-        std::snprintf(buffer, sizeof buffer, "%ld", static_cast<long>(atom_getlong(atom)));
-    else if (atom_gettype(atom) == A_FLOAT)
+    if (atom_gettype(atom) == A_LONG) {
+        *std::to_chars(buffer, buffer + sizeof buffer - 1, static_cast<long>(atom_getlong(atom))).ptr = '\0';
+    } else if (atom_gettype(atom) == A_FLOAT) {
+        const c_numbers numbers;
         std::snprintf(buffer, sizeof buffer, "%f", static_cast<double>(atom_getfloat(atom)));
+    }
     return buffer;
+}
+
+// The words that atoms are compared with, interned once.
+struct keyword_symbols {
+    const t_symbol *attr = gensym("attr");
+    const t_symbol *text = gensym("text");
+    const t_symbol *cdata = gensym("cdata");
+    const t_symbol *as_int = gensym("int");
+    const t_symbol *as_float = gensym("float");
+};
+
+static const keyword_symbols &keywords() {
+    static const keyword_symbols all;
+    return all;
 }
 
 // The result that an operation gives at once: 0 when there is a document to work on.
@@ -162,6 +186,10 @@ static size_t xml_character(const unsigned char *text) {
 // The first place in a text where there is no character that XML can hold; null when there is none.
 static const char *unholdable(const char *text) {
     while (*text) {
+        if (*text >= ' ' && *text <= '~') { // nearly always
+            ++text;
+            continue;
+        }
         const size_t length = xml_character(reinterpret_cast<const unsigned char *>(text));
         if (length == 0)
             return text;
@@ -183,9 +211,21 @@ static bool can_hold_text(t_jxmlfile *holder, const char *text, size_t length) {
     return true;
 }
 
+// A name of nothing but ASCII letters, digits and "_-.", as nearly all are.
+static bool is_plain_name(const char *name) {
+    const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+    const auto is_other = [](char c) { return (c >= '0' && c <= '9') || c == '-' || c == '.'; };
+    size_t length = is_letter(*name);
+    while (length > 0 && (is_letter(name[length]) || is_other(name[length])))
+        ++length;
+    return length > 0 && length <= NAME_LIMIT && name[length] == '\0';
+}
+
 // A name of an element or attribute, with one prefix at most. xmlValidateQName would not do: it follows older editions
 // of XML than the parser.
 static bool is_xml_name(const char *name) {
+    if (is_plain_name(name))
+        return true;
     if (std::strlen(name) > NAME_LIMIT || unholdable(name) || !xmlValidateNameValue(as_xml(name)))
         return false;
     const char *colon = std::strchr(name, ':');
@@ -523,9 +563,10 @@ static void append_filter(bounded_text *expression, long *argc, t_atom **argv) {
     const t_atom *name = take_atom(argc, argv);
     if (atom_gettype(name) != A_SYM)
         return; // it has taken the name's place all the same
-    append(expression, "[@");
+    append(expression, '[');
+    append(expression, '@');
     append(expression, atom_getsym(name)->s_name);
-    append(expression, "=");
+    append(expression, '=');
     if (*argc <= 0)
         return;
     const t_atom *value = take_atom(argc, argv);
@@ -541,7 +582,7 @@ static void append_filter(bounded_text *expression, long *argc, t_atom **argv) {
     default:
         return; // the filter stays open, and the expression will be refused
     }
-    append(expression, "]");
+    append(expression, ']');
 }
 
 // Appends the expression of a path to a buffer of JXMLFILE_EXPRESSION_SIZE bytes; false when it does not fit. It then
@@ -551,19 +592,21 @@ static bool append_expression(long *argc, t_atom **argv, char *buffer) {
     char number[NUMBER_SIZE];
     while (*argc > 0) {
         const t_atom *atom = take_atom(argc, argv);
-        if (atom_getsym(atom) == gensym("attr")) {
+        if (atom_getsym(atom) == keywords().attr) {
             append_filter(&expression, argc, argv);
         } else if (atom_gettype(atom) == A_SYM) {
-            append(&expression, "/");
+            append(&expression, '/');
             append(&expression, atom_getsym(atom)->s_name);
         } else if (atom_gettype(atom) == A_LONG) {
-            append(&expression, "[");
+            append(&expression, '[');
             append(&expression, number_text(atom, number));
-            append(&expression, "]");
+            append(&expression, ']');
         } // else left out: a float is meant to be no position
     }
     if (!expression.fits) {
-        const size_t last = std::min(expression.length, expression.size - 2);
+        size_t last = std::min(expression.length, expression.size - 2);
+        while (last > 0 && (buffer[last] & 0xC0) == 0x80) // not inside of a character
+            --last;
         std::memcpy(buffer + last, "[", 2);
     }
     return expression.fits;
@@ -696,9 +739,9 @@ static bool split_step(const char *step, step_parts *parts) {
     const char *end = step + std::strlen(step);
     if (static_cast<size_t>(end - step) >= STEP_SIZE)
         return false;
-    *parts = {};
     const char *filter = std::strstr(step, "[@");
     copy_part(parts->name, step, filter ? filter : end);
+    parts->attribute[0] = parts->value[0] = '\0';
     const char *equals = filter ? std::strchr(filter, '=') : nullptr;
     if (!equals)
         return true;
@@ -795,8 +838,31 @@ static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io
     return 0;
 }
 
+// The same for a plain path, which need not be walked from its beginning: an element that it selects has all the
+// parents that its beginnings select. False when the path is not plain, or when there is nothing to begin with.
+static bool walk_plain_path(t_jxmlfile *holder, char *expression, xmlNodePtr *io, long *result) {
+    path_selection selected;
+    if (!jxml_index_select(&holder->index, holder->doc, expression, &selected))
+        return false;
+    *result = 0;
+    if (selected.first) {
+        *io = selected.first;
+        return true;
+    }
+    char *last = std::strrchr(expression, '/'); // of the last step, which has to be made
+    *last = '\0';
+    xmlNodePtr parent = jxml_index_parent(holder->index, holder->doc, expression);
+    *last = '/';
+    if (!parent)
+        return false;
+    *io = make_element(holder, parent, last + 1, expression);
+    *result = *io ? 0 : -1;
+    return true;
+}
+
 long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *io, char verbose) {
-    char expression[JXMLFILE_EXPRESSION_SIZE] = "";
+    char expression[JXMLFILE_EXPRESSION_SIZE];
+    expression[0] = '\0';
     const bool fits = append_expression(argc, argv, expression);
     if (!holder->doc)
         return -1;
@@ -804,15 +870,18 @@ long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
         object_error(holder->owner, "unable to evaluate xpath expression \"%s\"", expression);
         return -1;
     }
-    return walk_expression(holder, expression, io, verbose);
+    long result = 0;
+    return walk_plain_path(holder, expression, io, &result) ? result : walk_expression(holder, expression, io, verbose);
 }
 
 // ---- reading
 
-// Cuts blanks off both ends. A byte counts as one when it is not above 32 as a signed character: it is meant that a
-// letter outside of ASCII goes with the blanks next to it.
+// A byte counts as a blank when it is not above 32 as a signed character: it is meant that a letter outside of ASCII
+// goes with the blanks next to it.
+static bool is_blank(char byte) { return static_cast<signed char>(byte) <= 32; }
+
+// Cuts blanks off both ends.
 static char *trimmed(char *text) {
-    const auto is_blank = [](char byte) { return static_cast<signed char>(byte) <= 32; };
     char *end = text + std::strlen(text);
     while (end > text && is_blank(end[-1]))
         --end;
@@ -822,15 +891,23 @@ static char *trimmed(char *text) {
     return text;
 }
 
+// The content of an element that is one text or one CDATA section, as nearly all are, without a copy; else null.
+static const xmlChar *only_content(const xmlNode *first) { return first && !first->next ? first->content : nullptr; }
+
+static bool is_trimmed(const char *text) {
+    return *text == '\0' || !(is_blank(*text) || is_blank(text[std::strlen(text) - 1]));
+}
+
 // A text as the kind of value that was asked for; a text that is no number counts as 0.
 static void set_value(t_atom *atom, t_symbol *value_kind, const char *text) {
-    const c_numbers numbers;
-    if (value_kind == gensym("int"))
+    if (value_kind == keywords().as_int) {
         atom_setlong(atom, std::strtol(text, nullptr, 10));
-    else if (value_kind == gensym("float"))
+    } else if (value_kind == keywords().as_float) {
+        const c_numbers numbers;
         atom_setfloat(atom, std::strtod(text, nullptr));
-    else
+    } else {
         atom_setsym(atom, gensym(text));
+    }
 }
 
 // The value of each character as a hexadecimal digit. Every character is read on its own, and one that is no digit
@@ -868,22 +945,30 @@ static long bytes_as_integers(const xmlChar *digits, size_t size, short *count, 
     return 0;
 }
 
+static long bytes_of_digits(const xmlChar *digits, short *count, t_atom *result) {
+    const size_t size = std::strlen(as_text(digits)) / 2; // an odd last digit is left out
+    return *count < 2 ? bytes_as_block(digits, size, count, result) : bytes_as_integers(digits, size, count, result);
+}
+
 // The content of an element; its first child decides whether it is text or bytes.
 static long element_content(xmlNodePtr element, t_symbol *value_kind, short *count, t_atom *result) {
     const xmlNode *first = element->children;
-    if (first && first->type != XML_TEXT_NODE && first->type != XML_CDATA_SECTION_NODE)
+    const bool is_bytes = first && first->type == XML_CDATA_SECTION_NODE;
+    if (first && first->type != XML_TEXT_NODE && !is_bytes)
         return -1;
-    const xml_text content(xmlNodeGetContent(element));
-    if (!content)
-        return -1;
-    if (!first || first->type == XML_TEXT_NODE) {
-        set_value(result, value_kind, trimmed(reinterpret_cast<char *>(content.get())));
-        *count = 1;
-        return 0;
+    const xmlChar *content = only_content(first);
+    xml_text copy;
+    if (!content || (!is_bytes && !is_trimmed(as_text(content)))) {
+        copy.reset(xmlNodeGetContent(element));
+        if (!copy)
+            return -1;
+        content = is_bytes ? copy.get() : as_xml(trimmed(reinterpret_cast<char *>(copy.get())));
     }
-    const size_t size = std::strlen(as_text(content.get())) / 2; // an odd last digit is left out
-    return *count < 2 ? bytes_as_block(content.get(), size, count, result)
-                      : bytes_as_integers(content.get(), size, count, result);
+    if (is_bytes)
+        return bytes_of_digits(content, count, result);
+    set_value(result, value_kind, as_text(content));
+    *count = 1;
+    return 0;
 }
 
 long jxmlfile_get(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *value_kind, short *count, t_atom **result,
@@ -950,16 +1035,21 @@ static bool append_atom(byte_buffer *text, const t_atom *atom) {
     return append(text, piece) && append(text, " ");
 }
 
-// Joins the atoms with blanks between them; anything but 0 has been reported.
-static long gather_text(t_jxmlfile *holder, byte_buffer *text, long argc, const t_atom *argv) {
-    bool enough_memory = append(text, "");
-    for (long i = 0; i < argc && enough_memory && text->length <= TEXT_LIMIT + 1; ++i) // with its last blank
-        enough_memory = append_atom(text, argv + i);
+// Joins the atoms with blanks between them, in the buffer unless it is one symbol; anything but 0 has been reported.
+static long gather_text(t_jxmlfile *holder, byte_buffer *buffer, long argc, const t_atom *argv, const char **text) {
+    if (argc == 1 && atom_gettype(argv) == A_SYM) {
+        *text = atom_getsym(argv)->s_name;
+        return can_hold_text(holder, *text, std::strlen(*text)) ? 0 : -1;
+    }
+    bool enough_memory = append(buffer, "");
+    for (long i = 0; i < argc && enough_memory && buffer->length <= TEXT_LIMIT + 1; ++i) // with its last blank
+        enough_memory = append_atom(buffer, argv + i);
     if (!enough_memory)
         return out_of_memory(holder);
-    if (text->length > 0)
-        text->bytes[--text->length] = '\0';
-    return can_hold_text(holder, text->bytes.get(), text->length) ? 0 : -1;
+    if (buffer->length > 0)
+        buffer->bytes[--buffer->length] = '\0';
+    *text = buffer->bytes.get();
+    return can_hold_text(holder, *text, buffer->length) ? 0 : -1;
 }
 
 static long cdata_error(t_jxmlfile *holder, const char *digits) {
@@ -969,8 +1059,16 @@ static long cdata_error(t_jxmlfile *holder, const char *digits) {
     return error;
 }
 
-static long append_digits(t_jxmlfile *holder, byte_buffer *digits, std::string_view bytes) {
+// The two digits of every byte.
+constexpr auto DIGIT_PAIRS = [] {
     constexpr char DIGITS[] = "0123456789ABCDEF";
+    std::array<std::array<char, 2>, 256> pairs = {};
+    for (size_t i = 0; i < pairs.size(); ++i)
+        pairs[i] = {DIGITS[i >> 4], DIGITS[i & 15]};
+    return pairs;
+}();
+
+static long append_digits(t_jxmlfile *holder, byte_buffer *digits, std::string_view bytes) {
     if (bytes.size() > (TEXT_LIMIT - digits->length) / 2) {
         object_error(holder->owner, "data is too long for xml (more than %ld bytes)",
                      static_cast<long>(TEXT_LIMIT / 2));
@@ -980,8 +1078,8 @@ static long append_digits(t_jxmlfile *holder, byte_buffer *digits, std::string_v
     if (!place)
         return out_of_memory(holder);
     for (const char byte : bytes) {
-        *place++ = DIGITS[static_cast<unsigned char>(byte) >> 4];
-        *place++ = DIGITS[static_cast<unsigned char>(byte) & 15];
+        std::memcpy(place, &DIGIT_PAIRS[static_cast<unsigned char>(byte)], 2);
+        place += 2;
     }
     *place = '\0';
     digits->length += 2 * bytes.size();
@@ -1038,8 +1136,10 @@ static long store_text(t_jxmlfile *holder, xmlNodePtr element, const char *text)
         object_error(holder->owner, "unable to create text data %.1000s (err %ld)", text, -1L);
         return -1;
     }
-    jxml_index_emptied(holder->index, element);
-    xmlNodeSetContent(element, nullptr);
+    if (element->children) {
+        jxml_index_emptied(holder->index, element);
+        xmlNodeSetContent(element, nullptr);
+    }
     if (node)
         xmlAddChild(element, node.release());
     return 0;
@@ -1060,10 +1160,9 @@ static long store_cdata(t_jxmlfile *holder, xmlNodePtr element, const byte_buffe
 
 // The index of the atom that ends the path, "text" or "cdata"; argc when there is none.
 static long find_keyword(long argc, const t_atom *argv) {
-    const t_symbol *const text = gensym("text");
-    const t_symbol *const cdata = gensym("cdata");
+    const auto is_keyword = [](const t_symbol *word) { return word == keywords().text || word == keywords().cdata; };
     long i = 0;
-    while (i < argc && atom_getsym(argv + i) != text && atom_getsym(argv + i) != cdata)
+    while (i < argc && !is_keyword(atom_getsym(argv + i)))
         ++i;
     return i;
 }
@@ -1071,7 +1170,7 @@ static long find_keyword(long argc, const t_atom *argv) {
 long jxmlfile_set(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
     long path_count = find_keyword(argc, argv);
     const bool has_keyword = path_count < argc;
-    const bool as_cdata = has_keyword && atom_getsym(argv + path_count) == gensym("cdata");
+    const bool as_cdata = has_keyword && atom_getsym(argv + path_count) == keywords().cdata;
     const t_atom *data = has_keyword ? argv + path_count + 1 : nullptr;
     const long data_count = has_keyword ? argc - path_count - 1 : 0;
     const owned_blocks blocks(as_cdata ? data_count : 0, data);
@@ -1079,16 +1178,17 @@ long jxmlfile_set(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
         return refusal;
     if (!has_keyword)
         return -2;
-    byte_buffer content; // before the path, so that nothing is made for what cannot be stored
-    if (const long failure = as_cdata ? gather_digits(holder, &content, data_count, data)
-                                      : gather_text(holder, &content, data_count, data))
+    byte_buffer buffer; // filled before the path is walked, so that nothing is made for what cannot be stored
+    const char *text = nullptr;
+    if (const long failure = as_cdata ? gather_digits(holder, &buffer, data_count, data)
+                                      : gather_text(holder, &buffer, data_count, data, &text))
         return failure;
     xmlNodePtr element = nullptr;
     if (const long failure = jxmlfile_set_node(holder, &path_count, &argv, &element, verbose))
         return failure;
     if (!element)
         return 0; // meant: under another root there is nothing to do
-    return as_cdata ? store_cdata(holder, element, content) : store_text(holder, element, content.bytes.get());
+    return as_cdata ? store_cdata(holder, element, buffer) : store_text(holder, element, text);
 }
 
 long jxmlfile_delete(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {

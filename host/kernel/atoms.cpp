@@ -24,6 +24,8 @@ t_atom_long truncated(double value) {
     return static_cast<t_atom_long>(value);
 }
 
+long type_of(const t_atom *atom) { return at_door(atom, "atom_gettype", "no atom") ? atom->a_type : 0; }
+
 t_max_err set(t_atom *atom, const char *function, short type, word value) {
     if (!at_door(atom, function, "no atom"))
         return MAX_ERR_INVALID_PTR;
@@ -45,7 +47,7 @@ t_max_err atom_setobj(t_atom *a, void *b) {
 
 t_atom_long atom_getlong(const t_atom *a) {
     t_atom number;
-    switch (atom_gettype(a)) {
+    switch (type_of(a)) {
     case A_LONG:
         return a->a_w.w_long;
     case A_FLOAT:
@@ -59,7 +61,7 @@ t_atom_long atom_getlong(const t_atom *a) {
 
 t_atom_float atom_getfloat(const t_atom *a) {
     t_atom number;
-    switch (atom_gettype(a)) {
+    switch (type_of(a)) {
     case A_LONG:
         return static_cast<t_atom_float>(a->a_w.w_long);
     case A_FLOAT:
@@ -71,11 +73,14 @@ t_atom_float atom_getfloat(const t_atom *a) {
     }
 }
 
-t_symbol *atom_getsym(const t_atom *a) { return atom_gettype(a) == A_SYM ? a->a_w.w_sym : gensym(""); }
+t_symbol *atom_getsym(const t_atom *a) {
+    static t_symbol *const nothing = gensym("");
+    return type_of(a) == A_SYM ? a->a_w.w_sym : nothing;
+}
 
-void *atom_getobj(const t_atom *a) { return atom_gettype(a) == A_OBJ ? a->a_w.w_obj : nullptr; }
+void *atom_getobj(const t_atom *a) { return type_of(a) == A_OBJ ? a->a_w.w_obj : nullptr; }
 
-long atom_gettype(const t_atom *a) { return at_door(a, "atom_gettype", "no atom") ? a->a_type : 0; }
+long atom_gettype(const t_atom *a) { return type_of(a); }
 
 t_max_err atom_alloc(long *ac, t_atom **av, char *alloc) { return atom_alloc_array(1, ac, av, alloc); }
 

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <new>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
 #include "commonsyms.h"
 #include "ext_proto.h"
@@ -13,23 +13,40 @@
 
 namespace {
 
-// Symbols are found by their text, without a copy of it.
-struct TextHash {
-    using is_transparent = void;
-    size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
-    size_t operator()(const t_symbol *symbol) const { return (*this)(std::string_view(symbol->s_name)); }
-};
+// A hash table with open addressing: finding one of very many symbols costs two misses of the cache, one for its slot
+// and one for its text.
+class SymbolTable {
+  public:
+    std::mutex mutex; // held by the caller
 
-struct TextEqual {
-    using is_transparent = void;
-    static std::string_view text(std::string_view text) { return text; }
-    static std::string_view text(const t_symbol *symbol) { return symbol->s_name; }
-    bool operator()(const auto &a, const auto &b) const { return text(a) == text(b); }
-};
+    // The slot of a text: the symbol's, or the empty one where it belongs.
+    t_symbol *&slot(std::string_view text) {
+        const size_t hash = std::hash<std::string_view>()(text);
+        size_t at = hash & (slots_.size() - 1);
+        while (slots_[at].symbol && (slots_[at].hash != hash || text != slots_[at].symbol->s_name))
+            at = (at + 1) & (slots_.size() - 1);
+        slots_[at].hash = hash;
+        return slots_[at].symbol;
+    }
 
-struct SymbolTable {
-    std::mutex mutex;
-    std::unordered_set<t_symbol *, TextHash, TextEqual> symbols;
+    // Makes room for one more symbol. Slots move.
+    void grow() {
+        if (4 * ++count_ < 3 * slots_.size())
+            return;
+        std::vector<Slot> former(2 * slots_.size());
+        former.swap(slots_);
+        for (const Slot &each : former)
+            if (each.symbol)
+                slot(each.symbol->s_name) = each.symbol;
+    }
+
+  private:
+    struct Slot {
+        size_t hash = 0;
+        t_symbol *symbol = nullptr;
+    };
+    std::vector<Slot> slots_ = std::vector<Slot>(1024); // a power of two, at most three quarters full
+    size_t count_ = 0;
 };
 
 SymbolTable &symbol_table() {
@@ -54,11 +71,10 @@ t_symbol *gensym(const char *s) {
     const std::string_view text(s);
     SymbolTable &table = symbol_table();
     std::lock_guard lock(table.mutex);
-    if (auto found = table.symbols.find(text); found != table.symbols.end())
-        return *found;
-    t_symbol *symbol = new_symbol(text);
-    table.symbols.insert(symbol);
-    return symbol;
+    if (t_symbol *found = table.slot(text))
+        return found;
+    table.grow();
+    return table.slot(text) = new_symbol(text);
 }
 
 t_common_symbols_table *_common_symbols = nullptr;
