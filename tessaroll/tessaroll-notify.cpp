@@ -6,13 +6,13 @@
 
 // ---- notifications and assistance
 
+// "embed" switched on changes what is saved in the patcher; switched off, it marks nothing.
 static void follow_attribute(t_tessaroll *box, const t_symbol *attribute) {
     if (attribute == _sym_fontname)
         jlist_setfontname(box->jlist, jbox_get_fontname((t_object *)box));
     else if (attribute == _sym_fontsize)
         jlist_setfontsize(box->jlist, jbox_get_fontsize((t_object *)box));
-    else if (attribute ==
-             gensym("embed")) // switched on, it changes what is saved in the patcher; off, nothing is marked
+    else if (attribute == gensym("embed"))
         tessaroll_markchanged(box);
 }
 

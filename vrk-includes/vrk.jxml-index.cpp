@@ -108,9 +108,10 @@ bool read_plain_path(const char *expression, plain_path *path) {
 
 // ---- matching nodes
 
+// A node for whose name libxml2 had no memory has none.
 bool has_name(const xmlChar *name, std::string_view wanted) {
     const char *text = reinterpret_cast<const char *>(name);
-    return std::strncmp(text, wanted.data(), wanted.size()) == 0 && text[wanted.size()] == '\0';
+    return text && std::strncmp(text, wanted.data(), wanted.size()) == 0 && text[wanted.size()] == '\0';
 }
 
 bool is_element(const xmlNode *node, std::string_view name) {

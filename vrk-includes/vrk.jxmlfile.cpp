@@ -786,6 +786,16 @@ static xmlNodePtr creation_error(t_jxmlfile *holder, const char *what, const cha
     return nullptr;
 }
 
+// Whether an attribute was made with its value. When memory runs out, libxml2 may leave its name or its value away;
+// without a name it goes again.
+static bool is_whole(xmlAttrPtr attribute, const char *value) {
+    if (attribute && !attribute->name) {
+        xmlRemoveProp(attribute);
+        return false;
+    }
+    return attribute && (!*value || (attribute->children && attribute->children->content));
+}
+
 // Makes the element of a step under `parent`; null is reported with `prefix`, the expression up to the step.
 static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char *step, const char *prefix) {
     step_parts parts;
@@ -797,7 +807,7 @@ static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char
     xmlNodePtr element = xmlNewChild(parent, nullptr, as_xml(parts.name), nullptr);
     if (!element)
         return creation_error(holder, "node", prefix);
-    if (has_attribute && !xmlNewProp(element, as_xml(parts.attribute), as_xml(parts.value)))
+    if (has_attribute && !is_whole(xmlNewProp(element, as_xml(parts.attribute), as_xml(parts.value)), parts.value))
         return creation_error(holder, "attribute", prefix);
     jxml_index_added(holder->index, element);
     return element;
@@ -1313,7 +1323,7 @@ long jxmlfile_setattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbose)
         return -1;
     jxml_index_attribute_lost(holder->index, element, name);
     // xmlSetProp makes the attribute as well, and finds one that has a prefix where xmlNewProp would make a second.
-    const bool is_set = xmlSetProp(element, as_xml(name), as_xml(value)) != nullptr;
+    const bool is_set = is_whole(xmlSetProp(element, as_xml(name), as_xml(value)), value);
     jxml_index_attribute_set(holder->index, element, name);
     if (is_set)
         return 0;

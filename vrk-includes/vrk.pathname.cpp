@@ -22,18 +22,17 @@ t_symbol *vrk_path_to_OSX_path(t_object *, t_symbol *pathname) {
 t_symbol *vrk_file_locate(t_symbol *filename) {
     if (!filename || std::strlen(filename->s_name) >= MAX_PATH_CHARS)
         return nullptr;
-    // The host's name buffer is for a bare name, but what is looked up may be a full path.
-    const host_block<char> name(sysmem_newptr(MAX_PATH_CHARS));
-    const host_block<char> path(sysmem_newptrclear(MAX_PATH_CHARS));
-    if (!name || !path)
-        return nullptr;
-    strncpy_zero(name.get(), filename->s_name, MAX_PATH_CHARS);
+    // Room for a full path, which may be looked up as well. On the stack: a file must not count as missing, and be made
+    // anew by the caller, because memory has run out.
+    char name[MAX_PATH_CHARS];
+    char path[MAX_PATH_CHARS] = "";
+    strncpy_zero(name, filename->s_name, sizeof name);
     short path_id = 0;
     t_fourcc type = 0;
-    if (locatefile_extended(name.get(), &path_id, &type, nullptr, 0) != 0 ||
-        path_topotentialname(path_id, name.get(), path.get(), 0) != 0)
+    if (locatefile_extended(name, &path_id, &type, nullptr, 0) != 0 ||
+        path_topotentialname(path_id, name, path, 0) != 0)
         return nullptr;
-    return gensym(path.get());
+    return gensym(path);
 }
 
 void vrk_set_editorfile_from_pathname(t_object *editor, t_symbol *pathname) {
@@ -67,7 +66,8 @@ static short folder_in(short parent, const char *name) {
 }
 
 short vrk_path_tempfolder(const char *subfolder) {
-    const short own = subfolder ? folder_in(temporary_items(), OWN_FOLDER) : short{0};
+    const short items = subfolder ? temporary_items() : short{0};
+    const short own = items ? folder_in(items, OWN_FOLDER) : short{0}; // 0 would be the host's default folder
     return own ? folder_in(own, subfolder) : short{0};
 }
 

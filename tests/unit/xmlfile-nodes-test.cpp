@@ -1,0 +1,746 @@
+// Reading, writing, counting and deleting elements and attributes.
+#include "support/xml-test.h"
+
+#include <clocale>
+
+using namespace maxhost;
+
+namespace {
+
+class XmlNodesTest : public XmlTest {
+  protected:
+    // A set that is refused with one line and changes nothing.
+    void expect_refused(const std::string &path_and_data, const std::string &line, const Atoms &more = {}) {
+        const std::string before = document();
+        EXPECT_EQ(set(path_and_data, more), -1) << path_and_data;
+        EXPECT_EQ(take_lines(), (Lines{line})) << path_and_data;
+        EXPECT_EQ(document(), before) << path_and_data;
+    }
+    static std::string unable(const std::string &what, const std::string &expression) {
+        return error("unable to " + what + " xpath expression \"" + expression + "\"");
+    }
+
+    const std::string no_node = warning("no node at given path");
+    const std::string invalid_node = warning("invalid node at given path");
+};
+
+} // namespace
+
+// ---- without a document
+
+TEST_F(XmlNodesTest, NothingCanBeReachedUntilADocumentIsLoaded) {
+    load("<a k='1'>text</a>");
+    holder->loaded = 0;
+    EXPECT_EQ(get("a"), "failed -1");
+    EXPECT_EQ(getattr("a k"), "failed -1");
+    EXPECT_EQ(count("a"), "failed -1");
+    EXPECT_EQ(set("a text new"), -1);
+    EXPECT_EQ(set("a"), -1) << "before anything else is looked at";
+    EXPECT_EQ(setattr("a k 2"), -1);
+    EXPECT_EQ(remove("a"), -1);
+    EXPECT_EQ(removeattr("a k"), -1);
+    EXPECT_EQ(take_lines(), Lines());
+    EXPECT_EQ(document(), "<a k=\"1\">text</a>");
+}
+
+TEST_F(XmlNodesTest, AHolderThatIsLoadedWithoutADocumentRefusesAsWell) {
+    holder->loaded = 1;
+    EXPECT_EQ(get("a"), "failed -1");
+    EXPECT_EQ(getattr("a k"), "failed -1");
+    EXPECT_EQ(count("a"), "failed -1");
+    EXPECT_EQ(set("a cdata", {block_atom("x")}), -1);
+    EXPECT_EQ(setattr("a k 2"), -1);
+    EXPECT_EQ(remove("a"), -1);
+    EXPECT_EQ(removeattr("a k"), -1);
+    Atoms path = typed("a");
+    t_atom *atoms = path.data();
+    long count = 1;
+    xpath_object found;
+    xmlNodePtr node = nullptr;
+    EXPECT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &found), -1);
+    EXPECT_EQ(jxmlfile_get_node(holder, &count, &atoms, &node, 1), -1);
+    EXPECT_EQ(jxmlfile_set_node(holder, &count, &atoms, &node, 1), -1);
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+// ---- finding nodes
+
+TEST_F(XmlNodesTest, ANodeSetIsInDocumentOrder) {
+    load("<a><c>1</c><b>2</b><c>3</c></a>");
+    Atoms path = typed("a \"b | /a/c\"");
+    t_atom *atoms = path.data();
+    long count = 2;
+    xpath_object found;
+    ASSERT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &found), 0);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(atoms, path.data() + 2);
+    ASSERT_EQ(found->nodesetval->nodeNr, 3);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(xml_text(xmlNodeGetContent(found->nodesetval->nodeTab[i])).get()[0], '1' + i);
+}
+
+TEST_F(XmlNodesTest, ANodeSetOfNothingIsASuccess) {
+    load("<a/>");
+    Atoms path = typed("a b");
+    t_atom *atoms = path.data();
+    long count = 2;
+    xpath_object found;
+    EXPECT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &found), 0);
+    EXPECT_TRUE(!found->nodesetval || found->nodesetval->nodeNr == 0);
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, TheFirstNodeInDocumentOrderIsTheOne) {
+    load("<a><b>1</b><b>2</b><c>3</c></a>");
+    EXPECT_EQ(get("a b", 1, "int"), "1");
+    EXPECT_EQ(get("a b 2", 1, "int"), "2");
+    EXPECT_EQ(get("a \"c | /a/b\"", 1, "int"), "1");
+    EXPECT_EQ(get("a \"c/preceding-sibling::b\"", 1, "int"), "1");
+}
+
+TEST_F(XmlNodesTest, NoNodeIsWarnedOf) {
+    load("<a/>");
+    EXPECT_EQ(get("a b"), "failed -1");
+    EXPECT_EQ(getattr("a b k"), "failed -1");
+    EXPECT_EQ(setattr("a b k v"), -1);
+    EXPECT_EQ(remove("a b"), -1);
+    EXPECT_EQ(removeattr("a b k"), -1);
+    EXPECT_EQ(take_lines(), Lines(5, no_node));
+}
+
+TEST_F(XmlNodesTest, ANodeThatIsNoElementIsWarnedOf) {
+    load("<a k='1'>text<!-- c --></a>");
+    for (const char *path : {"a \"text()\"", "a @k", "a \"comment()\"", "a \"namespace::*\"", "\"\""}) {
+        EXPECT_EQ(get(path), "failed -1") << path;
+        EXPECT_EQ(remove(path), -1) << path;
+        EXPECT_EQ(take_lines(), (Lines{invalid_node, invalid_node})) << path;
+    }
+}
+
+TEST_F(XmlNodesTest, WarningsAreForVerboseCallersOnly) {
+    load("<a k='1'/>");
+    EXPECT_EQ(get("a b", 1, "text", 0), "failed -1");
+    EXPECT_EQ(get("a @k", 1, "text", 0), "failed -1");
+    EXPECT_EQ(getattr("a b k", "text", 0), "failed -1");
+    EXPECT_EQ(getattr("a missing", "text", 0), "failed -2");
+    EXPECT_EQ(setattr("a b k v", {}, 0), -1);
+    EXPECT_EQ(remove("a b", 0), -1);
+    EXPECT_EQ(removeattr("a b k", 0), -1);
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, ABrokenExpressionIsAlwaysAnError) {
+    load("<a/>");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(count("a b[", 0), "failed -1");
+    EXPECT_EQ(get("a b[", 1, "text", 0), "failed -1");
+    EXPECT_EQ(getattr("a b[ k", "text", 0), "failed -1");
+    EXPECT_EQ(set("a b[ text x", {}, 0), -1);
+    EXPECT_EQ(setattr("a b[ k v", {}, 0), -1);
+    EXPECT_EQ(remove("a b[", 0), -1);
+    EXPECT_EQ(removeattr("a b[ k", 0), -1);
+    EXPECT_EQ(take_lines(), Lines(7, unable("evaluate", "/a/b[")));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "libxml2 prints nothing of its own";
+}
+
+TEST_F(XmlNodesTest, AnExpressionThatLibxmlRefusesIsAnError) {
+    load("<a/>");
+    testing::internal::CaptureStderr();
+    for (const auto &[path, expression] :
+         std::initializer_list<std::pair<const char *, const char *>>{{"", ""},
+                                                                      {"a \"\"", "/a/"},
+                                                                      {"a attr n", "/a[@n="},
+                                                                      {"a \"foo()\"", "/a/foo()"},
+                                                                      {"a attr n $x", "/a[@n=$x]"},
+                                                                      {"p:a", "/p:a"},
+                                                                      {"a \"b c\"", "/a/b c"},
+                                                                      {"3", "[3]"}}) {
+        EXPECT_EQ(count(path), "failed -1") << path;
+        EXPECT_EQ(take_lines(), (Lines{unable("evaluate", expression)})) << path;
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(XmlNodesTest, ASymbolAsValueIsComparedWithAChildElement) {
+    load("<a><b name='x'><x>no</x></b><b name='y'><y>y</y></b></a>");
+    EXPECT_EQ(text("a b attr name y y"), "y") << "@name equals the text of the child element y";
+    EXPECT_EQ(count("a b attr name x"), "0");
+    EXPECT_EQ(text("a b attr name \"'x'\" x"), "no") << "quotes of its own make a text of it";
+}
+
+// ---- counting
+
+TEST_F(XmlNodesTest, CountingTellsHowManyNodesThereAre) {
+    load("<a><b/><b/><c>t</c></a>");
+    EXPECT_EQ(count("a b"), "2");
+    EXPECT_EQ(count("a *"), "3");
+    EXPECT_EQ(count("a c \"text()\""), "1") << "nodes of every kind count";
+    EXPECT_EQ(count("a missing"), "0");
+    EXPECT_EQ(count("other"), "0");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, CountingWhatAreNoNodesIsRefused) {
+    load("<a><b/></a>");
+    for (const char *path : {"a \"b = 1\"", "a \"b + 1\"", "a \"b and 1\""})
+        EXPECT_EQ(count(path), "failed -2") << path;
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, MoreNodesThanCanBeToldAreNotCounted) {
+    std::string elements;
+    for (int i = 0; i < 32767; ++i)
+        elements += "<b n='1'/>";
+    load("<a>" + elements + "</a>", "most.xml");
+    EXPECT_EQ(count("a b"), "32767");
+    EXPECT_EQ(count("a b attr n 1"), "32767");
+    EXPECT_EQ(count("a *"), "32767");
+    load("<a>" + elements + "<b n='1'/></a>", "more.xml");
+    EXPECT_EQ(count("a b"), "failed -1");
+    EXPECT_EQ(count("a b attr n 1"), "failed -1");
+    EXPECT_EQ(count("a *"), "failed -1");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, CountingNeedsAPlaceForTheCount) {
+    load("<a/>");
+    Atoms path = typed("a");
+    EXPECT_EQ(jxmlfile_count(holder, 1, path.data(), nullptr, 1), -2);
+}
+
+// ---- reading text
+
+TEST_F(XmlNodesTest, TextIsReadAsTheKindThatIsAskedFor) {
+    load("<a><n> 42 </n><f>\n2.5\n</f><t>First line</t></a>");
+    EXPECT_EQ(get("a n", 1, "int"), "42");
+    EXPECT_EQ(get("a n", 1, "float"), "42.");
+    EXPECT_EQ(get("a n", 1, "anything"), "\"42\"");
+    EXPECT_EQ(get("a f", 1, "float"), "2.5");
+    EXPECT_EQ(get("a f", 1, "int"), "2");
+    EXPECT_EQ(get("a t"), "\"First line\"") << "several words are one symbol";
+}
+
+TEST_F(XmlNodesTest, TextThatIsNoNumberReadsAsZero) {
+    load("<a><t>text</t><e/><b>  </b><x>0x10</x><l>7 and more</l></a>");
+    EXPECT_EQ(get("a t", 1, "int"), "0");
+    EXPECT_EQ(get("a t", 1, "float"), "0.");
+    EXPECT_EQ(get("a e", 1, "int"), "0");
+    EXPECT_EQ(get("a b", 1, "float"), "0.");
+    EXPECT_EQ(get("a x", 1, "int"), "0");
+    EXPECT_EQ(get("a l", 1, "int"), "7");
+}
+
+TEST_F(XmlNodesTest, BlanksAndLettersOutsideOfAsciiAreTrimmedFromBothEnds) {
+    load("<a><t>  First line \n</t><u>\t\xC3\xA9 x \xC3\xA9y\xC3\xA9 </u><v>\xE2\x82\xAC\xE2\x82\xAC</v></a>");
+    EXPECT_EQ(text("a t"), "First line");
+    EXPECT_EQ(text("a u"), "x \xC3\xA9y") << "inside they stay";
+    EXPECT_EQ(text("a v"), "");
+}
+
+TEST_F(XmlNodesTest, AnEmptyElementIsAnEmptyText) {
+    load("<a><e/><f></f><b> \n </b></a>");
+    EXPECT_EQ(get("a e"), "\"\"");
+    EXPECT_EQ(get("a f"), "\"\"");
+    EXPECT_EQ(get("a b"), "\"\"");
+}
+
+TEST_F(XmlNodesTest, AllTextBelowTheElementIsRead) {
+    load("<a>one <b>two</b><!-- not this --> three<![CDATA[ four]]></a>");
+    EXPECT_EQ(text("a"), "one two three four");
+}
+
+TEST_F(XmlNodesTest, AFirstChildOfAnotherKindIsRefusedWithoutAWord) {
+    load("<a><m><x/>text</m><k><!-- c -->text</k><p><?pi d?>text</p></a>");
+    for (const char *path : {"a", "a m", "a k", "a p"})
+        EXPECT_EQ(get(path), "failed -1") << path;
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, ReadingNeedsRoom) {
+    load("<a>1</a>");
+    EXPECT_EQ(get("a", 0), "failed -4");
+    EXPECT_EQ(get("a", -3), "failed -4");
+    EXPECT_EQ(get("missing", 0), "failed -4") << "before the element is looked for";
+    Atoms path = typed("a");
+    short count = 1;
+    t_atom *nowhere = nullptr;
+    EXPECT_EQ(jxmlfile_get(holder, 1, path.data(), gensym("int"), &count, &nowhere, 1), -2);
+    EXPECT_EQ(jxmlfile_get(holder, 1, path.data(), gensym("int"), &count, nullptr, 1), -2);
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, TextTakesOneAtomHoweverMuchRoomThereIs) {
+    load("<a>42</a>");
+    EXPECT_EQ(get("a", 5, "int"), "42");
+}
+
+// ---- reading bytes
+
+TEST_F(XmlNodesTest, BytesAreOneBlockOrIntegers) {
+    load("<a><![CDATA[01807F00FF]]></a>");
+    EXPECT_EQ(get("a"), "block 01 80 7F 00 FF");
+    EXPECT_EQ(get("a", 2), "1 -128");
+    EXPECT_EQ(get("a", 5), "1 -128 127 0 -1");
+    EXPECT_EQ(get("a", 9), "1 -128 127 0 -1");
+}
+
+TEST_F(XmlNodesTest, AnOddLastDigitIsLeftOut) {
+    load("<a><b><![CDATA[ABC]]></b><c><![CDATA[A]]></c></a>");
+    EXPECT_EQ(get("a b"), "block AB");
+    EXPECT_EQ(get("a c"), "block");
+    EXPECT_EQ(get("a c", 2), "");
+}
+
+TEST_F(XmlNodesTest, AnEmptySectionIsNoBytes) {
+    load("<a><![CDATA[]]></a>");
+    EXPECT_EQ(get("a"), "block");
+    EXPECT_EQ(get("a", 3), "");
+}
+
+TEST_F(XmlNodesTest, SmallDigitsAreDigitsAndOtherCharactersCountAsZero) {
+    load("<a><b><![CDATA[abCdEf]]></b><c><![CDATA[G1-2 3]]></c></a>");
+    EXPECT_EQ(get("a b"), "block AB CD EF");
+    EXPECT_EQ(get("a c"), "block 01 02 03");
+}
+
+TEST_F(XmlNodesTest, TextBehindASectionIsReadAsDigitsToo) {
+    load("<a><![CDATA[01]]>02</a>");
+    EXPECT_EQ(get("a"), "block 01 02");
+}
+
+// ---- writing text
+
+TEST_F(XmlNodesTest, AnElementIsMadeOnceAndFoundAgain) {
+    load("<a/>");
+    EXPECT_EQ(set("a b attr n 7 text hello"), 0);
+    EXPECT_EQ(document(), "<a><b n=\"7\">hello</b></a>");
+    EXPECT_EQ(set("a b attr n 7 text again"), 0);
+    EXPECT_EQ(document(), "<a><b n=\"7\">again</b></a>");
+}
+
+TEST_F(XmlNodesTest, DataAtomsAreJoinedWithBlanks) {
+    load("<a/>");
+    EXPECT_EQ(set("a text 1 2.5 x"), 0);
+    EXPECT_EQ(text("a"), "1 2.500000 x");
+    EXPECT_EQ(set("a text -3 \"two words\" 0.1"), 0);
+    EXPECT_EQ(text("a"), "-3 two words 0.100000");
+}
+
+TEST_F(XmlNodesTest, ABlockInTextIsTakenUpToItsFirstZeroAndStaysTheCallers) {
+    load("<a/>");
+    const t_atom whole = block_atom("block text"), zero = block_atom(std::string("z\0z", 3));
+    EXPECT_EQ(set("a text x", {whole, zero, symbol_atom("y")}), 0);
+    EXPECT_EQ(text("a"), "x block text z y");
+    sysmem_freeptr(atom_getobj(&whole));
+    sysmem_freeptr(atom_getobj(&zero));
+}
+
+TEST_F(XmlNodesTest, AtomsOfOtherTypesAreLeftOut) {
+    load("<a/>");
+    t_atom odd = symbol_atom("odd"), null;
+    odd.a_type = 77;
+    atom_setobj(&null, nullptr);
+    EXPECT_EQ(set("a text x", {odd, symbol_atom("y")}), 0);
+    EXPECT_EQ(text("a"), "x y");
+    EXPECT_EQ(set("a text", {odd}), 0);
+    EXPECT_EQ(text("a"), "");
+    EXPECT_EQ(set("a text x", {null}), 0);
+    EXPECT_EQ(text("a"), "x");
+    EXPECT_EQ(set("a cdata AB", {odd}), 0);
+    EXPECT_EQ(get("a"), "block 41 42");
+}
+
+TEST_F(XmlNodesTest, NoDataIsAnEmptyText) {
+    load("<a>before</a>");
+    EXPECT_EQ(set("a text"), 0);
+    EXPECT_EQ(document(), "<a/>");
+    EXPECT_EQ(text("a"), "");
+}
+
+TEST_F(XmlNodesTest, TextTakesThePlaceOfAllContent) {
+    load("<a>one<b>two</b><![CDATA[FF]]></a>");
+    EXPECT_EQ(set("a text new"), 0);
+    EXPECT_EQ(document(), "<a>new</a>");
+}
+
+TEST_F(XmlNodesTest, TheFirstKeywordEndsThePath) {
+    load("<a/>");
+    EXPECT_EQ(set("a text text cdata attr"), 0);
+    EXPECT_EQ(text("a"), "text cdata attr");
+    EXPECT_EQ(set("text x"), -1);
+    EXPECT_EQ(take_lines(), (Lines{unable("evaluate", "")}));
+}
+
+TEST_F(XmlNodesTest, AMissingKeywordIsABadArgument) {
+    load("<a/>");
+    EXPECT_EQ(set("a b"), -2);
+    EXPECT_EQ(set(""), -2);
+    const t_atom block = block_atom("x");
+    EXPECT_EQ(set("a b", {block}), -2);
+    sysmem_freeptr(atom_getobj(&block)); // it is data of no kind, and has stayed the caller's
+    EXPECT_EQ(document(), "<a/>");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+// ---- writing bytes
+
+TEST_F(XmlNodesTest, BytesAreWrittenAsHexadecimal) {
+    load("<resourcefile><resource/></resourcefile>");
+    EXPECT_EQ(set("resourcefile resource 1 cdata 1 2 255"), 0);
+    EXPECT_EQ(document(), "<resourcefile><resource><![CDATA[0102FF]]></resource></resourcefile>");
+    EXPECT_EQ(get("resourcefile resource", 3), "1 2 -1");
+    EXPECT_EQ(get("resourcefile resource"), "block 01 02 FF");
+}
+
+TEST_F(XmlNodesTest, NumbersAreTheirLowEightBits) {
+    load("<a/>");
+    EXPECT_EQ(set("a cdata -1 257 65.9 -1.5 0.5 1e300 300.7"), 0);
+    EXPECT_EQ(get("a"), "block FF 01 41 FF 2C") << "zeros leave no trace";
+}
+
+TEST_F(XmlNodesTest, ZerosAmongSingleBytesAreOverwritten) {
+    load("<a/>");
+    EXPECT_EQ(set("a cdata 1 0 2 0"), 0);
+    EXPECT_EQ(get("a"), "block 01 02");
+}
+
+TEST_F(XmlNodesTest, SymbolsAreTheirBytes) {
+    load("<a/>");
+    EXPECT_EQ(set("a cdata AB é \"\" c"), 0);
+    EXPECT_EQ(get("a"), "block 41 42 C3 A9 63");
+}
+
+TEST_F(XmlNodesTest, ABlockReplacesWhatCameBefore) {
+    load("<a/>");
+    EXPECT_EQ(set("a cdata 9 9", {block_atom(std::string("\0\xFF\n", 3))}), 0);
+    EXPECT_EQ(get("a"), "block 00 FF 0A");
+    EXPECT_EQ(set("a cdata", {block_atom("x"), block_atom("yz"), typed("65")[0]}), 0);
+    EXPECT_EQ(get("a"), "block 79 7A 41");
+    EXPECT_EQ(set("a cdata 9", {block_atom("")}), 0);
+    EXPECT_EQ(get("a"), "block");
+}
+
+TEST_F(XmlNodesTest, NoDataIsAnEmptySection) {
+    load("<a/>");
+    EXPECT_EQ(set("a cdata"), 0);
+    EXPECT_EQ(document(), "<a><![CDATA[]]></a>");
+    EXPECT_EQ(get("a"), "block");
+}
+
+TEST_F(XmlNodesTest, BytesTakeThePlaceOfTheFirstChildAndTheOthersStay) {
+    load("<a>one<b/>two</a>");
+    EXPECT_EQ(set("a cdata A"), 0);
+    EXPECT_EQ(document(), "<a><![CDATA[41]]><b/>two</a>");
+}
+
+TEST_F(XmlNodesTest, ABlockPassesToTheHolderInEveryCase) {
+    const auto expect_taken = [this](const std::string &path_and_keyword, long result) {
+        const t_atom block = block_atom("x");
+        const size_t blocks = memory_in_use().blocks;
+        EXPECT_EQ(set(path_and_keyword, {block}), result) << path_and_keyword;
+        EXPECT_EQ(memory_in_use().blocks, blocks - 1) << path_and_keyword;
+    };
+    expect_taken("a cdata", -1); // nothing is loaded
+    load("<a/>");
+    expect_taken("a cdata", 0);
+    expect_taken("a b[ cdata", -1);
+    expect_taken("other cdata", 0);
+    expect_taken("cdata", -1);
+    take_lines();
+}
+
+TEST_F(XmlNodesTest, ABlockThatStandsThereTwiceIsReleasedOnce) {
+    load("<a/>");
+    const t_atom block = block_atom("q");
+    EXPECT_EQ(set("a cdata", {block, symbol_atom("x"), block}), 0);
+    EXPECT_EQ(get("a"), "block 71");
+}
+
+TEST_F(XmlNodesTest, NoBlockIsRefused) {
+    load("<a>before</a>");
+    t_atom null;
+    atom_setobj(&null, nullptr);
+    expect_refused("a cdata x", error("unable to create cdata  (err -1)"), {null});
+}
+
+// ---- making elements
+
+TEST_F(XmlNodesTest, EveryMissingStepIsMade) {
+    load("<a/>");
+    EXPECT_EQ(set("a b c attr n 1 d text x"), 0);
+    EXPECT_EQ(document(), "<a><b><c n=\"1\"><d>x</d></c></b></a>");
+    EXPECT_EQ(set("a b c attr n 2.5 d text y"), 0);
+    EXPECT_EQ(document(), "<a><b><c n=\"1\"><d>x</d></c><c n=\"2.500000\"><d>y</d></c></b></a>");
+}
+
+TEST_F(XmlNodesTest, WhatIsThereIsPreferredToWhatCouldBeMade) {
+    load("<a><b/><b n='1'/></a>");
+    EXPECT_EQ(set("a b text first"), 0);
+    EXPECT_EQ(set("a b attr n 1 text second"), 0);
+    EXPECT_EQ(document(), "<a><b>first</b><b n=\"1\">second</b></a>");
+}
+
+TEST_F(XmlNodesTest, AMissingPositionBecomesPartOfTheName) {
+    load("<a><b/></a>");
+    EXPECT_EQ(set("a b 1 text there"), 0);
+    EXPECT_EQ(set("a b 3 text made"), 0);
+    EXPECT_EQ(document(), "<a><b>there</b><b[3]>made</b[3]></a>");
+}
+
+TEST_F(XmlNodesTest, AFilterWithQuotesIsMadeAsItIsSpelled) {
+    load("<a/>");
+    EXPECT_EQ(set("a b attr n \"'x'\" text 1"), 0);
+    EXPECT_EQ(attribute("a b n"), "'x'");
+}
+
+TEST_F(XmlNodesTest, EverySlashEndsAStepAlsoInAValue) {
+    load("<a/>");
+    expect_refused("a b attr n \"'x/y'\" text 1", unable("evaluate", "/a/b[@n='x"));
+}
+
+TEST_F(XmlNodesTest, UnderAnotherRootThereIsNothingToDo) {
+    load("<a k='1'>text</a>");
+    EXPECT_EQ(set("other b text x"), 0);
+    EXPECT_EQ(set("a attr k 2 text x"), 0);
+    EXPECT_EQ(set("a attr k 2 b text x"), 0);
+    EXPECT_EQ(document(), "<a k=\"1\">text</a>");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, TheNodeThatIsSetIsHandedOut) {
+    load("<a/>");
+    for (const char *path : {"a b", "other"}) {
+        Atoms atoms = typed(path);
+        t_atom *at = atoms.data();
+        long count = static_cast<long>(atoms.size());
+        xmlNodePtr node = nullptr;
+        EXPECT_EQ(jxmlfile_set_node(holder, &count, &at, &node, 1), 0);
+        EXPECT_EQ(count, 0);
+        EXPECT_EQ(at, atoms.data() + atoms.size());
+        EXPECT_EQ(node != nullptr, std::string(path) == "a b") << "a second root is never made";
+    }
+    EXPECT_EQ(document(), "<a><b/></a>");
+}
+
+TEST_F(XmlNodesTest, WhatCannotBeAnElementIsNotMade) {
+    load("<a k='1'/>");
+    for (const char *step : {"*", "@x", "text()", "child::c", "c=1", "c[d]", "c[last()]", "b[c]", "self::c"})
+        expect_refused("a \"" + std::string(step) + "\" text x", unable("create node at", "/a/" + std::string(step)));
+    expect_refused("a .. b text x", unable("create node at", "/a/../b"));
+    expect_refused("a @k b text x", unable("create node at", "/a/@k/b"));
+}
+
+TEST_F(XmlNodesTest, WhatCannotBeAnAttributeIsNotMade) {
+    load("<a/>");
+    expect_refused("a b attr * 5 text x", unable("create attribute at", "/a/b[@*=5]"));
+}
+
+TEST_F(XmlNodesTest, WhatIsThereAndNoElementIsNotWrittenTo) {
+    load("<a k='1'>text</a>");
+    for (const char *path : {"a @k", "a \"text()\"", "a \"namespace::*\""})
+        expect_refused(std::string(path) + " text x", invalid_node);
+    EXPECT_EQ(set("a @k .. text new"), 0) << "on the way it is no harm";
+    EXPECT_EQ(document(), "<a k=\"1\">new</a>");
+}
+
+TEST_F(XmlNodesTest, AStepThatIsTooLongIsRefused) {
+    load("<a/>");
+    const std::string longest(127, 'n');
+    EXPECT_EQ(set("a " + longest + " text x"), 0);
+    EXPECT_EQ(text("a " + longest), "x");
+    expect_refused("a " + longest + "n text x", unable("create node at", "/a/" + longest + "n"));
+    const std::string value(200, '7');
+    expect_refused("a b attr n", unable("create node at", "/a/b[@n=" + value + "]"),
+                   {symbol_atom(value), symbol_atom("text")});
+}
+
+TEST_F(XmlNodesTest, AnOverlongPathMakesNothingOnTheWay) {
+    load("<a/>");
+    std::string path = "a";
+    for (int i = 0; i < 30; ++i)
+        path += " " + std::string(100, 'c');
+    EXPECT_EQ(set(path + " text x"), -1);
+    EXPECT_EQ(document(), "<a/>");
+    ASSERT_EQ(take_lines().size(), 1u);
+}
+
+TEST_F(XmlNodesTest, ElementsMadeBeforeAFailingStepStay) {
+    load("<a/>");
+    EXPECT_EQ(set("a b * text x"), -1);
+    EXPECT_EQ(take_lines(), (Lines{unable("create node at", "/a/b/*")}));
+    EXPECT_EQ(document(), "<a><b/></a>");
+}
+
+TEST_F(XmlNodesTest, NothingIsMadeDeeperThanLibxmlReads) {
+    load("<a/>");
+    std::string path = "a";
+    for (int i = 1; i < 256; ++i)
+        path += " a";
+    EXPECT_EQ(set(path + " text x"), 0);
+    EXPECT_EQ(set(path + " a text x"), -1);
+    ASSERT_EQ(take_lines().size(), 1u);
+    ASSERT_TRUE(reload());
+    EXPECT_EQ(text(path), "x");
+}
+
+// ---- attributes
+
+TEST_F(XmlNodesTest, AnAttributeIsReadAsTheKindThatIsAskedFor) {
+    load("<a n=' 42 ' f='2.5' t=' two words '/>");
+    EXPECT_EQ(getattr("a n", "int"), "42");
+    EXPECT_EQ(getattr("a f", "float"), "2.5");
+    EXPECT_EQ(getattr("a f", "int"), "2");
+    EXPECT_EQ(getattr("a t", "int"), "0");
+    EXPECT_EQ(getattr("a t", "float"), "0.");
+    EXPECT_EQ(attribute("a t"), " two words ") << "attributes are not trimmed";
+}
+
+TEST_F(XmlNodesTest, AnAttributeThatIsNotThereIsWarnedOf) {
+    load("<a/>");
+    EXPECT_EQ(getattr("a missing"), "failed -2");
+    EXPECT_EQ(take_lines(), (Lines{warning("wrong argument: can't find attr missing")}));
+}
+
+TEST_F(XmlNodesTest, AnAttributesNameIsASymbol) {
+    load("<a n='1'/>");
+    EXPECT_EQ(getattr("a 3"), "failed -1");
+    EXPECT_EQ(removeattr("a 3"), -1);
+    EXPECT_EQ(take_lines(), Lines());
+    EXPECT_EQ(setattr("a 3 x"), -2);
+    EXPECT_EQ(setattr("a 2.5 x"), -2);
+    EXPECT_EQ(take_lines(), (Lines{error("can't set attribute 3"), error("can't set attribute 2.500000")}));
+}
+
+TEST_F(XmlNodesTest, MissingArgumentsAreRefused) {
+    load("<a n='1'/>");
+    EXPECT_EQ(getattr(""), "failed -2");
+    EXPECT_EQ(setattr(""), -2);
+    EXPECT_EQ(setattr("a"), -2);
+    EXPECT_EQ(removeattr(""), -1);
+    EXPECT_EQ(take_lines(), Lines());
+    Atoms atoms = typed("a n");
+    t_atom *nowhere = nullptr;
+    EXPECT_EQ(jxmlfile_getattr(holder, 2, atoms.data(), gensym("int"), nullptr, &nowhere, 1), -2);
+    EXPECT_EQ(getattr("n"), "failed -1") << "an empty path";
+    EXPECT_EQ(take_lines(), (Lines{unable("evaluate", "")}));
+}
+
+TEST_F(XmlNodesTest, AnAttributeIsSetAndChanged) {
+    load("<a/>");
+    EXPECT_EQ(setattr("a t \"two words\""), 0);
+    EXPECT_EQ(setattr("a n 42"), 0);
+    EXPECT_EQ(setattr("a f 2.5"), 0);
+    EXPECT_EQ(document(), "<a t=\"two words\" n=\"42\" f=\"2.500000\"/>");
+    EXPECT_EQ(setattr("a n -1"), 0);
+    EXPECT_EQ(attribute("a n"), "-1");
+}
+
+TEST_F(XmlNodesTest, AnAttributeOfAnotherTypeIsEmpty) {
+    load("<a k='1'/>");
+    const t_atom block = block_atom("x");
+    EXPECT_EQ(setattr("a k", {block}), 0);
+    EXPECT_EQ(attribute("a k"), "");
+    sysmem_freeptr(atom_getobj(&block));
+}
+
+TEST_F(XmlNodesTest, AnElementIsNotMadeForAnAttribute) {
+    load("<a/>");
+    EXPECT_EQ(setattr("a b k v"), -1);
+    EXPECT_EQ(document(), "<a/>");
+    take_lines();
+}
+
+TEST_F(XmlNodesTest, LongValuesAreNotCut) {
+    load("<a/>");
+    const std::string value(100000, 'v');
+    EXPECT_EQ(setattr("a k", {symbol_atom(value)}), 0);
+    EXPECT_EQ(setattr("a big 1e300"), 0);
+    ASSERT_TRUE(reload());
+    EXPECT_EQ(attribute("a k"), value);
+    EXPECT_EQ(attribute("a big").size(), 301u + 7u);
+}
+
+TEST_F(XmlNodesTest, ANameThatNoAttributeCanHaveIsRefused) {
+    load("<a xmlns:p='u'/>");
+    for (const char *name : {"two words", "", "<", "a=b", "1st", "-a", "a:b:c", ":a", "a:", "a[3]", "xmlns:p"}) {
+        EXPECT_EQ(setattr("a", {symbol_atom(name), symbol_atom("v")}), -1) << name;
+        EXPECT_EQ(take_lines(), (Lines{error("\"" + std::string(name) + "\" cannot name an attribute")}));
+    }
+    EXPECT_EQ(document(), "<a xmlns:p=\"u\"/>");
+}
+
+TEST_F(XmlNodesTest, AttributesWithAPrefixAreFoundAndReplaced) {
+    load("<a xmlns:p='u' p:k='1'/>");
+    EXPECT_EQ(setattr("a p:k 2"), 0);
+    EXPECT_EQ(setattr("a p:new 3"), 0);
+    EXPECT_EQ(setattr("a xml:lang en"), 0);
+    EXPECT_EQ(document(), "<a xmlns:p=\"u\" p:k=\"2\" p:new=\"3\" xml:lang=\"en\"/>");
+    ASSERT_TRUE(reload());
+    EXPECT_EQ(attribute("a lang"), "en");
+}
+
+TEST_F(XmlNodesTest, AnAttributeIsRemovedWhetherItIsThereOrNot) {
+    load("<a k='1' l='2'/>");
+    EXPECT_EQ(removeattr("a k"), 0);
+    EXPECT_EQ(document(), "<a l=\"2\"/>");
+    EXPECT_EQ(removeattr("a k"), 0);
+    EXPECT_EQ(removeattr("a never"), 0);
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlNodesTest, ADefaultOfTheDoctypeShowsThroughAndStays) {
+    load("<!DOCTYPE a [<!ATTLIST a d CDATA 'default'>]><a/>");
+    EXPECT_EQ(attribute("a d"), "default");
+    EXPECT_EQ(removeattr("a d"), 0);
+    EXPECT_EQ(attribute("a d"), "default");
+    EXPECT_EQ(setattr("a d own"), 0);
+    EXPECT_EQ(attribute("a d"), "own");
+    EXPECT_EQ(removeattr("a d"), 0);
+    EXPECT_EQ(attribute("a d"), "default");
+}
+
+// ---- deleting
+
+TEST_F(XmlNodesTest, AnElementIsDeletedWithAllThatIsInIt) {
+    load("<a><b>one<c/></b><b>two</b></a>");
+    EXPECT_EQ(remove("a b"), 0);
+    EXPECT_EQ(document(), "<a><b>two</b></a>");
+    EXPECT_EQ(remove("a b 1"), 0);
+    EXPECT_EQ(document(), "<a/>");
+    EXPECT_EQ(remove("a b"), -1);
+    EXPECT_EQ(take_lines(), (Lines{no_node}));
+}
+
+TEST_F(XmlNodesTest, AnElementWithAnIdIsForgotten) {
+    load("<!DOCTYPE a [<!ATTLIST b i ID #IMPLIED>]><a><b i='x'>one</b><b>two</b></a>");
+    EXPECT_EQ(count("a \"b[. = id('x')]\""), "1");
+    EXPECT_EQ(remove("a b"), 0);
+    EXPECT_EQ(count("a \"b[. = id('x')]\""), "0");
+}
+
+TEST_F(XmlNodesTest, TheRootCanBeDeletedAndThenThereIsNothingToDo) {
+    load("<a><b/></a>");
+    EXPECT_EQ(remove("a"), 0);
+    EXPECT_EQ(count("a"), "0");
+    EXPECT_EQ(set("a b text x"), 0);
+    jxmlfile_print(holder);
+    EXPECT_EQ(document(), "");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+// ---- locales
+
+TEST_F(XmlNodesTest, NumbersHaveAPointInEveryLocale) {
+    const char *comma = nullptr;
+    for (const char *name : {"de_DE.UTF-8", "fr_FR.UTF-8", "de_DE.utf8", "fr_FR.utf8"})
+        if (!comma)
+            comma = std::setlocale(LC_ALL, name);
+    if (!comma)
+        GTEST_SKIP() << "no locale with a comma is installed";
+    load("<a><b>2.5</b></a>");
+    EXPECT_EQ(get("a b", 1, "float"), "2.5");
+    EXPECT_EQ(set("a c attr n 1.5 text 3.5"), 0);
+    EXPECT_EQ(attribute("a c n"), "1.500000");
+    EXPECT_EQ(text("a c"), "3.500000");
+    std::setlocale(LC_ALL, "C");
+}
