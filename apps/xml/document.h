@@ -7,7 +7,7 @@
 
 #include "vrk.jxmlfile.h"
 
-// A refused operation. The layer has told why on the console; `what` is what else there is to say, often nothing.
+// A refused operation. Nearly always the layer has told why on the console; `what` is what else there is to say.
 struct Refused {
     std::string what;
 };
@@ -24,7 +24,7 @@ class Document {
 
     void load(const std::string &file);       // throws Refused
     void create(const std::string &file);     // an empty resource file, written at once; throws Refused
-    void save(const std::string &file) const; // whole or not at all; throws Refused
+    void save(const std::string &file) const; // whole or not at all (a device is written to); throws Refused
 
     t_jxmlfile *holder() const { return holder_.get(); }
     bool changed = false;

@@ -5,10 +5,9 @@
 #include <climits>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <map>
 
-#include "embed/host.h"
+#include "console.h"
 #include "ext.h"
 #include "vrk.jxml-resfile.h"
 
@@ -16,10 +15,11 @@ using namespace maxhost;
 
 namespace {
 
-// The layer refuses by a result other than 0; it has said why, or there is nothing to say.
-void check(long result) {
-    if (result != 0)
-        throw Refused{};
+// The layer refuses by a result other than 0. Nearly always it says why; `reason` is what to say when it does not.
+template <typename Call> void attempt(const Call &call, const std::string &reason) {
+    const long told = complaints();
+    if (call() != 0)
+        throw Refused{complaints() == told ? reason : ""};
 }
 
 long count_of(const std::vector<t_atom> &atoms) { return static_cast<long>(atoms.size()); }
@@ -29,16 +29,16 @@ void expect_atoms(const Operation &operation, size_t least, const char *what) {
         throw Refused{operation.name + ": " + what + " is missing"};
 }
 
-long number_at(const Operation &operation, size_t at) {
-    expect_atoms(operation, at + 1, "a number");
-    if (atom_gettype(&operation.atoms[at]) != A_LONG)
-        throw Refused{operation.name + ": " + print_atom(operation.atoms[at]) + " is no number"};
-    return atom_getlong(&operation.atoms[at]);
-}
-
 // The text of an atom, as a name.
 std::string text_of(const t_atom &atom) {
     return atom_gettype(&atom) == A_SYM ? atom_getsym(&atom)->s_name : print_atom(atom);
+}
+
+long number_at(const Operation &operation, size_t at) {
+    expect_atoms(operation, at + 1, "a number");
+    if (atom_gettype(&operation.atoms[at]) != A_LONG)
+        throw Refused{operation.name + ": " + text_of(operation.atoms[at]) + " is no whole number"};
+    return atom_getlong(&operation.atoms[at]);
 }
 
 // ---- values that come out
@@ -80,33 +80,81 @@ std::string shown(std::vector<t_atom> &values, const std::string &out) {
     return "";
 }
 
-// Calls a reader with room for values and shows what it gives.
-template <typename Reader> std::string read_values(const Operation &operation, Reader reader) {
-    if (operation.bytes < 1)
-        throw Refused{operation.name + ": no room for a value"};
+// Calls a reader with room for values and shows what it gives; `reason` as above.
+template <typename Reader>
+std::string read_values(const Operation &operation, const std::string &reason, const Reader &reader) {
     std::vector<t_atom> values(static_cast<size_t>(operation.bytes));
     for (t_atom &value : values)
         atom_setlong(&value, 0);
     t_atom *first = values.data();
     short count = operation.bytes;
-    check(reader(gensym(operation.as.c_str()), &count, &first));
+    attempt([&] { return reader(gensym(operation.as.c_str()), &count, &first); }, reason);
     values.resize(static_cast<size_t>(count));
     return shown(values, operation.out);
+}
+
+// ---- what the layer takes without a word, and somebody would lose data by
+
+// Whether an expression selects anything; one that cannot be evaluated refuses the operation.
+bool selects(Document &document, const std::string &expression) {
+    t_atom path; // the layer puts the first slash
+    atom_setsym(&path, gensym(expression.c_str() + 1));
+    const long told = complaints();
+    short nodes = 1; // also for more than can be counted
+    jxmlfile_count(document.holder(), 1, &path, &nodes, 1);
+    if (complaints() != told)
+        throw Refused{};
+    return nodes > 0;
+}
+
+// The end of the step of an expression that begins behind a slash.
+size_t step_end(const std::string &expression, size_t slash) {
+    return std::min(expression.find('/', slash + 1), expression.size());
+}
+
+// A position that is not there cannot be made: the layer would make an element of the name "a[3]", and a file that
+// holds it cannot be read again.
+void expect_positions(Document &document, const Operation &operation, const std::vector<t_atom> &path) {
+    const std::string expression = expression_of(path);
+    for (size_t slash = 0, end = 0; slash < expression.size(); slash = end) {
+        end = step_end(expression, slash);
+        const std::string step = expression.substr(slash + 1, end - slash - 1);
+        const size_t bracket = std::min(step.find('['), step.size());
+        const bool has_position = bracket < step.size() && step.compare(bracket, 2, "[@") != 0;
+        if (has_position && !selects(document, expression.substr(0, end)))
+            throw Refused{operation.name + ": there is no " + step + ", and positions cannot be made"};
+    }
+}
+
+// The layer has nothing to do for a path that begins with another root element.
+void expect_root(Document &document, const Operation &operation, const std::vector<t_atom> &path) {
+    const std::string expression = expression_of(path);
+    const std::string root = expression.substr(0, step_end(expression, 0));
+    if (!selects(document, root))
+        throw Refused{operation.name + ": the root element is not " + root.substr(1)};
 }
 
 // ---- operations on paths
 
 std::string get(Document &document, const Operation &operation) {
     std::vector<t_atom> path = operation.atoms;
-    return read_values(operation, [&](t_symbol *kind, short *count, t_atom **values) {
-        return jxmlfile_get(document.holder(), count_of(path), path.data(), kind, count, values, 1);
-    });
+    return read_values(operation, "get: the element holds neither text nor bytes alone",
+                       [&](t_symbol *kind, short *count, t_atom **values) {
+                           return jxmlfile_get(document.holder(), count_of(path), path.data(), kind, count, values, 1);
+                       });
+}
+
+// The last atom, which names an attribute.
+void expect_attribute_name(const Operation &operation) {
+    expect_atoms(operation, 1, "the name of an attribute");
+    if (atom_gettype(&operation.atoms.back()) != A_SYM)
+        throw Refused{operation.name + ": " + text_of(operation.atoms.back()) + " cannot name an attribute"};
 }
 
 std::string getattr(Document &document, const Operation &operation) {
-    expect_atoms(operation, 1, "the name of an attribute");
+    expect_attribute_name(operation);
     std::vector<t_atom> atoms = operation.atoms;
-    return read_values(operation, [&](t_symbol *kind, short *count, t_atom **values) {
+    return read_values(operation, "getattr: refused", [&](t_symbol *kind, short *count, t_atom **values) {
         *count = 1;
         return jxmlfile_getattr(document.holder(), count_of(atoms), atoms.data(), kind, count, values, 1);
     });
@@ -114,17 +162,33 @@ std::string getattr(Document &document, const Operation &operation) {
 
 std::string count(Document &document, const Operation &operation) {
     std::vector<t_atom> path = operation.atoms;
+    constexpr long no_nodes = -2;
+    const long told = complaints();
     short nodes = 0;
-    check(jxmlfile_count(document.holder(), count_of(path), path.data(), &nodes, 1));
+    const long result = jxmlfile_count(document.holder(), count_of(path), path.data(), &nodes, 1);
+    if (complaints() != told)
+        throw Refused{};
+    if (result != 0)
+        throw Refused{result == no_nodes ? "count: the expression selects no nodes" : "count: more than 32767 nodes"};
     return std::to_string(nodes) + "\n";
+}
+
+// The bytes of a file, as many of them as the layer needs for refusing them.
+std::string content_of(const std::string &file) {
+    constexpr size_t enough = 10'000'000;
+    std::ifstream in(file, std::ios::binary);
+    std::string bytes;
+    char piece[4096];
+    while (bytes.size() < enough && (in.read(piece, sizeof piece) || in.gcount() > 0))
+        bytes.append(piece, static_cast<size_t>(in.gcount()));
+    if (bytes.size() < enough && !in.eof())
+        throw Refused{"can't read " + file};
+    return bytes;
 }
 
 // A block of a file's bytes, which the layer takes over.
 t_atom block_of(const std::string &file) {
-    std::ifstream in(file, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
-    if (!in)
-        throw Refused{"can't find " + file};
+    const std::string bytes = content_of(file);
     t_ptr block = sysmem_newptr(bytes.size());
     if (!block)
         throw Refused{"out of memory"};
@@ -140,34 +204,51 @@ bool is_keyword(const t_atom &atom) {
 
 std::string set(Document &document, const Operation &operation) {
     std::vector<t_atom> atoms = operation.atoms;
-    if (std::none_of(atoms.begin(), atoms.end(), is_keyword))
+    const auto keyword = std::find_if(atoms.begin(), atoms.end(), is_keyword);
+    if (keyword == atoms.end())
         throw Refused{"set: \"text\" or \"cdata\" is missing"};
+    const std::vector<t_atom> path(atoms.begin(), keyword);
+    expect_positions(document, operation, path);
     if (!operation.data_file.empty()) {
-        if (atom_getsym(&atoms.back()) != gensym("cdata"))
-            throw Refused{"set: data from a file belongs behind \"cdata\""};
+        if (keyword + 1 != atoms.end() || atom_getsym(&*keyword) != gensym("cdata"))
+            throw Refused{"set: --data-file is for \"cdata\" without other data"};
         atoms.push_back(block_of(operation.data_file));
     }
-    check(jxmlfile_set(document.holder(), count_of(atoms), atoms.data(), 1));
-    document.changed = true;
-    return "";
-}
-
-// The operations that change the document and answer nothing.
-template <auto change> std::string changing(Document &document, const Operation &operation) {
-    std::vector<t_atom> atoms = operation.atoms;
-    check(change(document.holder(), count_of(atoms), atoms.data(), 1));
+    attempt([&] { return jxmlfile_set(document.holder(), count_of(atoms), atoms.data(), 1); }, "set: refused");
+    expect_root(document, operation, path);
     document.changed = true;
     return "";
 }
 
 std::string setattr(Document &document, const Operation &operation) {
     expect_atoms(operation, 2, "name or value of an attribute");
-    return changing<jxmlfile_setattr>(document, operation);
+    std::vector<t_atom> atoms = operation.atoms;
+    attempt([&] { return jxmlfile_setattr(document.holder(), count_of(atoms), atoms.data(), 1); }, "setattr: refused");
+    document.changed = true;
+    return "";
+}
+
+std::string remove(Document &document, const Operation &operation) {
+    std::vector<t_atom> atoms = operation.atoms;
+    t_jxmlfile *holder = document.holder();
+    t_atom *path = atoms.data();
+    long path_count = count_of(atoms);
+    xmlNodePtr element = nullptr;
+    attempt([&] { return jxmlfile_get_node(holder, &path_count, &path, &element, 1); }, "delete: refused");
+    if (element == xmlDocGetRootElement(holder->doc))
+        throw Refused{"delete: a file without a root element cannot be read again"};
+    attempt([&] { return jxmlfile_delete(holder, count_of(atoms), atoms.data(), 1); }, "delete: refused");
+    document.changed = true;
+    return "";
 }
 
 std::string deleteattr(Document &document, const Operation &operation) {
-    expect_atoms(operation, 1, "the name of an attribute");
-    return changing<jxmlfile_deleteattr>(document, operation);
+    expect_attribute_name(operation);
+    std::vector<t_atom> atoms = operation.atoms;
+    attempt([&] { return jxmlfile_deleteattr(document.holder(), count_of(atoms), atoms.data(), 1); },
+            "deleteattr: refused");
+    document.changed = true;
+    return "";
 }
 
 std::string print(Document &document, const Operation &) {
@@ -183,31 +264,72 @@ t_symbol *type_of(const Operation &operation) {
 }
 
 std::string resources(Document &document, const Operation &operation) {
+    t_symbol *type = type_of(operation);
     long counted = 0;
-    check(jxmlresfile_count_resource(document.holder(), type_of(operation), &counted, 1));
+    attempt([&] { return jxmlresfile_count_resource(document.holder(), type, &counted, 1); }, "resources: refused");
     return std::to_string(counted) + "\n";
 }
 
 std::string resource(Document &document, const Operation &operation) {
     t_symbol *type = type_of(operation);
     const long number = number_at(operation, 1);
-    return read_values(operation, [&](t_symbol *kind, short *room, t_atom **values) {
+    return read_values(operation, "resource: refused", [&](t_symbol *kind, short *room, t_atom **values) {
         return jxmlresfile_get_resource(document.holder(), type, number, kind, room, values, 1);
     });
+}
+
+// All resources of a type, one a line, in the order of their numbers from 0.
+std::string list(Document &document, const Operation &operation) {
+    t_symbol *type = type_of(operation);
+    long counted = 0;
+    attempt([&] { return jxmlresfile_count_resource(document.holder(), type, &counted, 1); }, "list: refused");
+    t_symbol *kind = gensym(operation.as.c_str());
+    std::string lines;
+    for (long number = 0; number < counted; ++number) {
+        std::vector<t_atom> values(1);
+        t_atom *value = values.data();
+        short count = 1;
+        attempt([&] { return jxmlresfile_get_resource(document.holder(), type, number, kind, &count, &value, 1); },
+                "list: refused");
+        if (atom_gettype(value) == A_SYM) // nearly always, and there may be very many
+            lines.append(atom_getsym(value)->s_name).append("\n");
+        else
+            lines += shown(values, "");
+    }
+    return lines;
+}
+
+// The atoms from the given one on as one text, numbers as "set" stores them.
+std::string joined(const std::vector<t_atom> &atoms, size_t from) {
+    std::string text;
+    for (size_t i = from; i < atoms.size(); ++i) {
+        const bool is_float = atom_gettype(&atoms[i]) == A_FLOAT;
+        text.append(i == from ? "" : " ");
+        text.append(is_float ? std::to_string(atom_getfloat(&atoms[i])) : text_of(atoms[i]));
+    }
+    return text;
 }
 
 std::string set_resource(Document &document, const Operation &operation) {
     t_symbol *type = type_of(operation);
     const long number = number_at(operation, 1);
     const bool from_file = !operation.data_file.empty();
-    if (!from_file)
-        expect_atoms(operation, 3, "a text");
+    if (from_file == (operation.atoms.size() > 2))
+        throw Refused{"set-resource: either a text or --data-file has to tell the content"};
+    const t_jxmlfile *holder = document.holder();
+    std::vector<t_atom> path(3);
+    atom_setsym(&path[0], holder->root);
+    atom_setsym(&path[1], holder->xmlpath[0]);
+    atom_setsym(&path[2], type);
+    expect_positions(document, operation, path);
     t_atom value;
     if (from_file)
         value = block_of(operation.data_file);
     else
-        atom_setsym(&value, gensym(text_of(operation.atoms[2]).c_str()));
-    check(jxmlresfile_set_resource(document.holder(), type, number, &value, from_file, 1));
+        atom_setsym(&value, gensym(joined(operation.atoms, 2).c_str()));
+    attempt([&] { return jxmlresfile_set_resource(document.holder(), type, number, &value, from_file, 1); },
+            "set-resource: refused");
+    expect_root(document, operation, path);
     document.changed = true;
     return "";
 }
@@ -218,13 +340,14 @@ std::string menu(Document &document, const Operation &operation) {
     Operation text = operation;
     text.as = "text";
     text.bytes = 1;
-    std::string lines = read_values(text, [&](t_symbol *kind, short *room, t_atom **values) {
+    std::string lines = read_values(text, "menu: refused", [&](t_symbol *kind, short *room, t_atom **values) {
         return jxmlresfile_get_menutitle(document.holder(), number, kind, room, values, 1);
     });
     long items = 0;
-    check(jxmlresfile_count_menuitems(document.holder(), number, &items, 1));
+    attempt([&] { return jxmlresfile_count_menuitems(document.holder(), number, &items, 1); }, "menu: refused");
     for (long item = 0; item < items; ++item)
-        lines += std::to_string(item) + " " + read_values(text, [&](t_symbol *kind, short *room, t_atom **values) {
+        lines += std::to_string(item) + " " +
+                 read_values(text, "menu: refused", [&](t_symbol *kind, short *room, t_atom **values) {
                      return jxmlresfile_get_menuitem(document.holder(), number, item, kind, room, values, 1, 1);
                  });
     return lines;
@@ -238,14 +361,28 @@ const std::map<std::string, Handler> handlers{
     {"count", count},
     {"set", set},
     {"setattr", setattr},
-    {"delete", changing<jxmlfile_delete>},
+    {"delete", remove},
     {"deleteattr", deleteattr},
     {"print", print},
     {"resources", resources},
     {"resource", resource},
+    {"list", list},
     {"set-resource", set_resource},
     {"menu", menu},
 };
+
+short bytes_of(const t_atom &value) {
+    const t_atom_long bytes = atom_getlong(&value);
+    if (atom_gettype(&value) != A_LONG || bytes < 1 || bytes > SHRT_MAX)
+        throw Refused{"--bytes: " + text_of(value) + " is no number from 1 to 32767"};
+    return static_cast<short>(bytes);
+}
+
+std::string kind_of(const std::string &value) {
+    if (value != "int" && value != "float" && value != "text")
+        throw Refused{"--as: " + value + " is none of int, float, text"};
+    return value;
+}
 
 // Takes an option and its value off the front of the words; false when there is none.
 bool take_option(std::vector<t_atom> &words, Operation &operation) {
@@ -256,9 +393,9 @@ bool take_option(std::vector<t_atom> &words, Operation &operation) {
         throw Refused{option + ": a value is missing"};
     const std::string value = text_of(words[1]);
     if (option == "--as")
-        operation.as = value;
+        operation.as = kind_of(value);
     else if (option == "--bytes")
-        operation.bytes = static_cast<short>(std::clamp<t_atom_long>(atom_getlong(&words[1]), 0, SHRT_MAX));
+        operation.bytes = bytes_of(words[1]);
     else if (option == "--out")
         operation.out = value;
     else if (option == "--data-file")

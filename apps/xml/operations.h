@@ -13,8 +13,8 @@ struct Operation {
     std::vector<t_atom> atoms;
     std::string as = "text"; // kind of value that "get" and "getattr" read: int, float or text
     short bytes = 1;         // room for the bytes of a CDATA section; one alone takes them all
-    std::string out;         // file that "get" writes bytes to
-    std::string data_file;   // file that "set" takes bytes from
+    std::string out;         // file that the value is written to
+    std::string data_file;   // file that the content is taken from
 };
 
 // A word of the command line: a number where it reads as one, else a symbol.
