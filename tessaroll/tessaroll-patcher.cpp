@@ -11,18 +11,28 @@ static constexpr long longest_text = 2048;
 
 static bool too_long(const t_symbol *text) { return std::strlen(text->s_name) > (size_t)longest_text; }
 
+// The host sets "embed" with the region held.
+static bool is_embedded(const t_tessaroll *box) {
+    critical_section hold;
+    return box->embed != 0;
+}
+
 void tessaroll_markchanged(t_tessaroll *box) {
-    t_object *patcher = box->embed ? jbox_get_patcher((t_object *)box) : nullptr;
+    t_object *patcher = is_embedded(box) ? jbox_get_patcher((t_object *)box) : nullptr;
     if (patcher)
         jpatcher_set_dirty(patcher, 1);
 }
 
 // ---- saving
 
-// The items as atoms, at one moment; null when memory runs out.
+static constexpr long no_data = -1;
+
+// The items as atoms, at one moment; null when memory runs out, or when there is no data: then the count stays.
 static malloc_array<t_atom> copy_items(t_jlist *list, long *count) {
     critical_section hold;
-    *count = jlist_hasdata(list) ? jlist_numrows(list) : 0;
+    if (!jlist_hasdata(list))
+        return nullptr;
+    *count = jlist_numrows(list);
     malloc_array<t_atom> items((t_atom *)std::malloc((size_t)std::max(*count, 1L) * sizeof(t_atom)));
     for (long i = 0; items && i < *count; i++)
         atom_setsym(&items[i], (t_symbol *)jlist_getdata(list, i + 1));
@@ -30,10 +40,12 @@ static malloc_array<t_atom> copy_items(t_jlist *list, long *count) {
 }
 
 void tessaroll_save(t_tessaroll *box, t_dictionary *dictionary) {
-    if (!box || !dictionary || !box->embed || !jlist_hasdata(box->jlist))
+    if (!box || !dictionary || !is_embedded(box))
         return;
-    long count = 0;
+    long count = no_data;
     const malloc_array<t_atom> items = copy_items(box->jlist, &count);
+    if (count == no_data)
+        return;
     if (!items || dictionary_appendatoms(dictionary, gensym("restoreitems"), count, items.get()))
         object_error((t_object *)box, "out of memory: the items are not saved");
 }

@@ -371,14 +371,22 @@ void jlist_initdataview(t_object *box, t_jlist *list, double font_size) {
 
 long jlist_hasdataview(t_jlist *list) { return list->dataview != nullptr; }
 
-void jlist_setfontname(t_jlist *list, t_symbol *name) { jdataview_setfontname(list->dataview, name); }
+void jlist_setfontname(t_jlist *list, t_symbol *name) {
+    if (list->dataview)
+        jdataview_setfontname(list->dataview, name);
+}
 
 void jlist_setfontsize(t_jlist *list, double size) {
+    if (!list->dataview)
+        return;
     jdataview_setfontsize(list->dataview, size);
     jdataview_setheight(list->dataview, row_height(size));
 }
 
-void jlist_setcellv(t_jlist *list, double height) { jdataview_setheight(list->dataview, whole_pixels(height)); }
+void jlist_setcellv(t_jlist *list, double height) {
+    if (list->dataview)
+        jdataview_setheight(list->dataview, whole_pixels(height));
+}
 
 void jlist_newpatcherview(t_jlist *list, t_object *patcherview) {
     if (list->dataview)
@@ -491,6 +499,7 @@ static bool load_document(const t_jlist *list, t_jxmlfile *holder, const t_symbo
 static constexpr long type_words = 3, resource_words = 6;
 
 static void set_resource_path(t_atom *path, const t_jxmlfile *holder) {
+    critical_section hold; // a patch may set the names on the scheduler thread
     atom_setsym(path, holder->root);
     atom_setsym(path + 1, holder->xmlpath[0]);
     atom_setsym(path + 2, holder->xmlpath[1]);

@@ -101,8 +101,8 @@ void jlist_initdataview(t_object *box, t_jlist *list, double font_size);
 
 long jlist_hasdataview(t_jlist *list); // 1 or 0
 
-// The font of the view; the rows become 1.2 times as high as `size` points, in whole pixels. …setcellv: the height
-// alone.
+// Nothing without a view. The font of the view; the rows become 1.2 times as high as `size` points, in whole pixels.
+// …setcellv: the height alone.
 void jlist_setfontname(t_jlist *list, t_symbol *name);
 void jlist_setfontsize(t_jlist *list, double size);
 void jlist_setcellv(t_jlist *list, double height);
@@ -133,11 +133,12 @@ t_max_err jlist_selectcolor(t_jlist *list, void *attr, long argc, t_atom *argv);
 
 // Replaces the rows with the resources of a file: those of the holder's second "xmlpath" word, numbered from 0 without
 // gaps. The name is looked up in the search path. 1 when the list was loaded. 0, and nothing changed, without a name
-// (no message) or when the file is not found or not XML (a null holder counts as that); 0, and the list without data,
-// when its resources cannot be had. The holder keeps the document.
+// (no message) or when the file is not found or does not begin with "<?xml" (a null holder counts as that); 0, and the
+// list without data, when its resources cannot be had. The holder keeps the document.
 short jlist_load_from_xml(t_jlist *list, t_jxmlfile *holder, t_symbol *filename);
 
 // Writes the rows as a new resource file, under "resourcefile" and "resource" whatever the owner's attributes say. The
 // file is the one that the symbol argv[0] names; without one the save dialog asks. Of a list without data an empty file
-// is made, when the dialog chose a new one. `message` is not looked at.
+// is made, when the dialog chose a new one. A file that cannot be written stays as it was, without a word, on purpose.
+// `message` is not looked at.
 void jlist_write(t_jlist *list, t_symbol *message, short argc, t_atom *argv);

@@ -358,12 +358,14 @@ t_max_err jxmlfile_getroot(t_jxmlfile *holder, void *, long *argc, t_atom **argv
         return MAX_ERR_INVALID_PTR;
     char allocated = 0;
     const t_max_err error = atom_alloc(argc, argv, &allocated);
+    const critical_section region;
     return error ? error : atom_setsym(*argv, holder->root);
 }
 
 t_max_err jxmlfile_root(t_jxmlfile *holder, void *, long argc, t_atom *argv) {
     if (argc < 1 || atom_gettype(argv) != A_SYM)
         return MAX_ERR_INVALID_PTR;
+    const critical_section region;
     if (holder)
         holder->root = atom_getsym(argv);
     return MAX_ERR_NONE;
@@ -375,11 +377,13 @@ t_max_err jxmlfile_getxmlpath(t_jxmlfile *holder, void *, long *argc, t_atom **a
     char allocated = 0;
     if (const t_max_err error = atom_alloc_array(2, argc, argv, &allocated))
         return error;
+    const critical_section region;
     atom_setsym(*argv, holder->xmlpath[0]);
     return atom_setsym(*argv + 1, holder->xmlpath[1]);
 }
 
 t_max_err jxmlfile_xmlpath(t_jxmlfile *holder, void *, long argc, t_atom *argv) {
+    const critical_section region;
     for (long i = 0; i < argc && i < 2 && atom_gettype(argv + i) == A_SYM; ++i) {
         if (!holder)
             return MAX_ERR_INVALID_PTR;

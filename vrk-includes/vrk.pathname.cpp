@@ -2,13 +2,24 @@
 #include "vrk.pathname.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #ifdef __APPLE__
 #include <CoreServices/CoreServices.h>
 #endif
 
 #include "vrk.owners.h"
+
+namespace fs = std::filesystem;
 
 constexpr char OWN_FOLDER[] = "org.vrk.tessaroll"; // among the temporary items
 
@@ -71,6 +82,61 @@ short vrk_path_tempfolder(const char *subfolder) {
     return own ? folder_in(own, subfolder) : short{0};
 }
 
+static bool write_file(const char *path, std::string_view text) {
+    std::FILE *file = std::fopen(path, "wb");
+    if (!file)
+        return false;
+    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && written;
+}
+
+// Whether a file is there that may be replaced, or none: a pipe or a device would be waited for, or lose the text.
+static bool is_replaceable(const fs::path &path, const fs::file_status &status) {
+    if (!fs::exists(status))
+        return true;
+    std::FILE *file = fs::is_regular_file(status) ? std::fopen(path.c_str(), "r+b") : nullptr;
+    return file && std::fclose(file) == 0;
+}
+
+// A new empty file in the folder of another, under a name that nobody has; empty when none can be made.
+static std::string new_file_beside(const fs::path &path) {
+    std::string name = (path.parent_path() / ".vrk-XXXXXX").string();
+    const int descriptor = mkstemp(name.data());
+    if (descriptor < 0)
+        return "";
+    close(descriptor);
+    return name;
+}
+
+// Gives a file the permissions and the owner of the one whose place it takes, or those of any new file.
+static bool take_over_status(const fs::path &from, const std::string &file) {
+    struct stat status;
+    if (stat(from.c_str(), &status) != 0) {
+        const mode_t mask = umask(0);
+        umask(mask);
+        return chmod(file.c_str(), 0666 & ~mask) == 0;
+    }
+    // Only root can give files away; for anybody else the file becomes his own.
+    [[maybe_unused]] const int failure = chown(file.c_str(), status.st_uid, status.st_gid);
+    return chmod(file.c_str(), status.st_mode & 07777) == 0;
+}
+
+// Beside the file and renamed, so that what was there stays when the disk is full; a link stays a link.
+static bool replace_file(const char *name, std::string_view text) {
+    std::error_code error;
+    const fs::path path = fs::is_symlink(name, error) ? fs::canonical(name, error) : fs::path(name);
+    if (!is_replaceable(path, fs::status(path, error)))
+        return false;
+    const std::string beside = new_file_beside(path);
+    if (beside.empty())
+        return false;
+    if (write_file(beside.c_str(), text) && take_over_status(path, beside) &&
+        std::rename(beside.c_str(), path.c_str()) == 0)
+        return true;
+    std::remove(beside.c_str());
+    return false;
+}
+
 int vrk_save_document(t_symbol *native_path, xmlDocPtr doc) {
     if (!native_path || !doc)
         return -1;
@@ -81,11 +147,10 @@ int vrk_save_document(t_symbol *native_path, xmlDocPtr doc) {
     const xml_text text(dumped);
     if (!text || size < 0)
         return -1;
-    std::FILE *file = std::fopen(native_path->s_name, "wb");
-    if (!file)
+    const std::string_view bytes(reinterpret_cast<const char *>(text.get()), static_cast<size_t>(size));
+    try {
+        return replace_file(native_path->s_name, bytes) ? size : -1;
+    } catch (const std::exception &) { // no memory for a path
         return -1;
-    const size_t length = static_cast<size_t>(size);
-    const bool written = std::fwrite(text.get(), 1, length, file) == length;
-    const bool closed = std::fclose(file) == 0;
-    return written && closed ? size : -1;
+    }
 }

@@ -26,5 +26,7 @@ short vrk_path_tempfolder(const char *subfolder);
 // Writes a document as XML to a native path, replacing what the file holds: in the document's own encoding, or without
 // one in ASCII with character references; no indentation is added. The name is taken as it stands: "%41" in it is
 // three characters, where xmlSaveFile would write to another file. The number of bytes written, or -1: no path, no
-// document, out of memory, or a file that cannot be written. The file is not touched before the whole text is there.
+// document, out of memory, or a file that cannot be written (what is no regular file never is). The text is written
+// to a new file beside it, which is renamed and keeps permissions and owner: what was there stays until all of it is on
+// the disk. A link stays a link.
 int vrk_save_document(t_symbol *native_path, xmlDocPtr doc);

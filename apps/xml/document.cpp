@@ -2,14 +2,10 @@
 #include "document.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <system_error>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "ext.h"
 #include "vrk.pathname.h"
@@ -54,42 +50,6 @@ std::string parse_error(const std::string &file) {
     return file + ":" + std::to_string(error->line) + ": " + std::string(reason);
 }
 
-// A new empty file in a folder; empty when none can be made.
-std::string new_file_in(const fs::path &folder) {
-    std::string name = (folder / ".vrk-xml-XXXXXX").string();
-    const int descriptor = mkstemp(name.data());
-    if (descriptor < 0)
-        return "";
-    close(descriptor);
-    return name;
-}
-
-// Gives a file the permissions and the owner of the one whose place it takes, or those of any new file.
-bool take_over_status(const fs::path &from, const std::string &file) {
-    struct stat status;
-    if (stat(from.c_str(), &status) != 0) {
-        const mode_t mask = umask(0);
-        umask(mask);
-        return chmod(file.c_str(), 0666 & ~mask) == 0;
-    }
-    // Only root can give files away; for anybody else the file becomes his own.
-    [[maybe_unused]] const int failure = chown(file.c_str(), status.st_uid, status.st_gid);
-    return chmod(file.c_str(), status.st_mode & 07777) == 0;
-}
-
-bool write_to(const std::string &path, xmlDocPtr doc) { return vrk_save_document(gensym(path.c_str()), doc) >= 0; }
-
-// Writes beside the target and renames, so that a failed save leaves what was there.
-bool write_whole(const fs::path &target, xmlDocPtr doc) {
-    const std::string beside = new_file_in(target.parent_path());
-    if (beside.empty())
-        return false;
-    if (write_to(beside, doc) && take_over_status(target, beside) && rename(beside.c_str(), target.c_str()) == 0)
-        return true;
-    unlink(beside.c_str());
-    return false;
-}
-
 } // namespace
 
 Document::Document(const Names &names) : holder_(jxmlfile_new(nullptr)) {
@@ -120,20 +80,11 @@ void Document::create(const std::string &file) {
     jxmlfile_newdoc(holder(), gensym(full_path(file).c_str()));
     if (!holder()->doc)
         throw Refused{};
-    try {
-        save(file); // jxmlfile_newdoc does not tell whether it could write
-    } catch (const Refused &) {
-        fs::remove(file, error);
-        throw;
-    }
+    if (!fs::exists(file, error)) // jxmlfile_newdoc does not tell whether it could write
+        throw Refused{"unable to write " + file};
 }
 
 void Document::save(const std::string &file) const {
-    std::error_code error;
-    fs::path target = fs::canonical(file, error); // a link stays a link
-    if (error)
-        target = full_path(file);
-    const bool is_device = fs::exists(target, error) && !fs::is_regular_file(target, error);
-    if (is_device ? !write_to(target.string(), holder()->doc) : !write_whole(target, holder()->doc))
+    if (vrk_save_document(gensym(full_path(file).c_str()), holder()->doc) < 0)
         throw Refused{"unable to write " + file};
 }

@@ -24,7 +24,7 @@ class Document {
 
     void load(const std::string &file);       // throws Refused
     void create(const std::string &file);     // an empty resource file, written at once; throws Refused
-    void save(const std::string &file) const; // whole or not at all (a device is written to); throws Refused
+    void save(const std::string &file) const; // whole or not at all; throws Refused
 
     t_jxmlfile *holder() const { return holder_.get(); }
     bool changed = false;

@@ -106,7 +106,9 @@ void add_document_options(CLI::App &app, Options &options) {
     app.add_option("-o,--save-to", options.save_to, "where a changed document goes, instead of FILE")
         ->check([](const std::string &name) { return name.empty() ? "a name is missing" : ""; });
     app.add_option("--root", options.names.root, "name of the root element of a resource file (resourcefile)");
-    app.add_option("--xmlpath", options.names.xmlpath, "names of its group and its type (resource long)")->expected(2);
+    app.add_option("--xmlpath", options.names.xmlpath, "names of its group and its type (resource long)")
+        ->expected(2)
+        ->allow_extra_args(false);
 }
 
 void add_value_options(CLI::App &app, Options &options, unsigned takes) {

@@ -119,8 +119,8 @@ void expect_positions(Document &document, const Operation &operation, const std:
     for (size_t slash = 0, end = 0; slash < expression.size(); slash = end) {
         end = step_end(expression, slash);
         const std::string step = expression.substr(slash + 1, end - slash - 1);
-        const size_t bracket = std::min(step.find('['), step.size());
-        const bool has_position = bracket < step.size() && step.compare(bracket, 2, "[@") != 0;
+        const size_t bracket = step.find('['); // behind it "@" begins a filter, and whatever else the layer refuses
+        const bool has_position = bracket != step.npos && step.find_first_of("-0123456789", bracket) == bracket + 1;
         if (has_position && !selects(document, expression.substr(0, end)))
             throw Refused{operation.name + ": there is no " + step + ", and positions cannot be made"};
     }

@@ -31,7 +31,7 @@ short path_nameconform(const char *src, char *dst, long style, long type);
 // Splits a full path; the folder must exist, the file need not. `filename` holds MAX_FILENAME_CHARS.
 short path_frompathname(const char *name, short *path, char *filename);
 
-// Opens a regular file; creates (and empties) one and opens it for writing.
+// Opens a regular file; creates a new one and opens it for writing (a file that is there is an error).
 short path_opensysfile(const char *name, const short path, t_filehandle *ref, short perm);
 short path_createsysfile(const char *name, short path, t_fourcc type, t_filehandle *ref);
 

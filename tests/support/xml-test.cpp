@@ -45,6 +45,10 @@ std::string error(const std::string &text) { return "error: -: " + text; }
 std::string warning(const std::string &text) { return "warn: -: " + text; }
 std::string post(const std::string &text) { return "post: -: " + text; }
 
+std::string unable(const std::string &what, const std::string &expression) {
+    return error("unable to " + what + " xpath expression \"" + expression + "\"");
+}
+
 Atoms typed(const std::string &list, const Atoms &more) {
     Atoms atoms = parse_atoms(list);
     atoms.insert(atoms.end(), more.begin(), more.end());

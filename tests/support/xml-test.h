@@ -14,6 +14,11 @@ std::string error(const std::string &text);
 std::string warning(const std::string &text);
 std::string post(const std::string &text);
 
+// What the layer says of expressions and nodes.
+std::string unable(const std::string &what, const std::string &expression);
+inline const std::string no_node = "warn: -: no node at given path";
+inline const std::string invalid_node = "warn: -: invalid node at given path";
+
 using Atoms = std::vector<t_atom>;
 
 // The atoms of a typed list, with more behind them.

@@ -79,8 +79,6 @@ class ResourceTest : public XmlTest {
              "<menu-item number=\"2\">Alone</menu-item>" +
              more + "</menu></resource></resourcefile>");
     }
-
-    const std::string no_node = warning("no node at given path");
 };
 
 using PathnameTest = XmlTest;
@@ -503,4 +501,22 @@ TEST_F(PathnameTest, ADocumentIsSavedWholeOrTheFileIsNotTouched) {
     EXPECT_EQ(vrk_save_document(gensym("/no/such/folder/a.xml"), holder->doc), -1);
     EXPECT_EQ(vrk_save_document(gensym(folder().c_str()), holder->doc), -1);
     EXPECT_EQ(read_file(path->s_name), "<?xml version=\"1.0\"?>\n<a>text</a>\n");
+}
+
+TEST_F(PathnameTest, ASavedFileKeepsItsPermissionsAndItsLink) {
+    load("<a>text</a>");
+    std::filesystem::permissions(path_of("test.xml"), std::filesystem::perms(0640));
+    std::filesystem::create_symlink("test.xml", path_of("link.xml"));
+    EXPECT_GT(vrk_save_document(gensym(path_of("link.xml").c_str()), holder->doc), 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(path_of("link.xml")));
+    EXPECT_EQ(std::filesystem::status(path_of("test.xml")).permissions(), std::filesystem::perms(0640));
+    EXPECT_EQ(read_file(path_of("test.xml")), "<?xml version=\"1.0\"?>\n<a>text</a>\n");
+    const auto files = std::filesystem::directory_iterator(folder());
+    EXPECT_EQ(std::distance(begin(files), end(files)), 2) << "nothing is left beside them";
+}
+
+TEST_F(PathnameTest, WhatIsNoRegularFileIsNeverWrittenTo) {
+    load("<a/>");
+    EXPECT_EQ(vrk_save_document(gensym("/dev/null"), holder->doc), -1);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }

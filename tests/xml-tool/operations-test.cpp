@@ -263,6 +263,17 @@ TEST_F(XmlOperations, ResourcesOfBytesGoThroughFiles) {
     EXPECT_EQ(file_text(path_of("copy")), file_text(path_of("picture")));
 }
 
+TEST_F(XmlOperations, ListPrintsAllResourcesOfATypeByNumber) {
+    write("<resourcefile><resource><s number='1'>one</s><s number='0'> zero </s><n number='0'>5</n>"
+          "<i number='0'><![CDATA[00FF]]></i><gap number='0'>x</gap><gap number='2'>y</gap></resource></resourcefile>");
+    EXPECT_EQ(output("f.xml list s"), "zero\none\n");
+    EXPECT_EQ(output("f.xml list n --as int"), "5\n");
+    EXPECT_EQ(output("f.xml list i"), "00FF\n");
+    EXPECT_EQ(output("f.xml list missing"), "");
+    expect_refused("f.xml list gap", no_node + "\ncannot get resource gap number 1");
+    expect_refused("f.xml list", "list: a type is missing");
+}
+
 TEST_F(XmlOperations, ResourceFilesMayHaveOtherNames) {
     write("<list><group><item number='3'>three</item></group></list>");
     EXPECT_EQ(output("f.xml --root list --xmlpath group item resource item 3"), "three\n");
@@ -292,7 +303,6 @@ TEST_F(XmlOperations, ResourcesTellWhyTheyCannot) {
     expect_refused("f.xml set-resource string 0 x --root other", "set-resource: the root element is not other");
     expect_refused("f.xml set-resource string 0 x --xmlpath resource[2] long",
                    "set-resource: there is no resource[2], and positions cannot be made");
-    expect_refused(words("f.xml resources string --xmlpath", {"", "x"}), "");
 }
 
 TEST_F(XmlOperations, MenuPrintsTitleItemsAndCommands) {

@@ -2,6 +2,7 @@
 #include "xml-tool/xml-tool-test.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -9,9 +10,9 @@ namespace {
 
 using XmlProgram = XmlToolTest;
 
-const char *const operations[] = {"path",      "new",      "get",          "getattr",    "count",
-                                  "set",       "setattr",  "delete",       "deleteattr", "print",
-                                  "resources", "resource", "set-resource", "menu",       "batch"};
+const char *const operations[] = {"path",    "new",          "get",        "getattr", "count",     "set",
+                                  "setattr", "delete",       "deleteattr", "print",   "resources", "resource",
+                                  "list",    "set-resource", "menu",       "batch"};
 
 } // namespace
 
@@ -72,6 +73,8 @@ TEST_F(XmlProgram, WrongCommandLinesHaveAStatusOfTheirOwn) {
 }
 
 TEST_F(XmlProgram, WhatCannotBePrintedIsTold) {
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "there is no /dev/full";
     write("<a>text</a>");
     const ScriptResult result =
         script_run({"/bin/sh", {"-c", "exec \"$0\" f.xml get a > /dev/full", VRK_XML_PROGRAM}, "", folder.path()});
@@ -90,6 +93,16 @@ TEST_F(XmlProgram, AFileThatCannotBeReadIsTold) {
     expect_refused("folder.xml print", "folder.xml is no file");
     expect_refused("pipe.xml print", "pipe.xml is no file");
     expect_refused(longest + " print", "can't read " + longest + ": File name too long");
+}
+
+TEST_F(XmlProgram, AFileThatMayNotBeReadIsTold) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root may read everything";
+    write("<a/>");
+    chmod(path_of("f.xml").c_str(), 0);
+    const ScriptResult result = run(words("f.xml print"));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.complaints, "can't read f.xml: Permission denied\n");
 }
 
 TEST_F(XmlProgram, AFileThatIsNoXmlIsTold) {
@@ -197,11 +210,20 @@ TEST_F(XmlProgram, AFileThatCannotBeWrittenIsTold) {
     expect_refused("f.xml set a text x -o folder.xml", "unable to write folder.xml");
 }
 
-TEST_F(XmlProgram, ADeviceIsWrittenToAndNotReplaced) {
+TEST_F(XmlProgram, ADeviceIsNotReplaced) {
     write("<a/>");
-    EXPECT_EQ(output("f.xml set a text x -o /dev/null"), "");
+    ASSERT_EQ(mkfifo(path_of("pipe.xml").c_str(), 0600), 0);
+    expect_refused("f.xml set a text x -o /dev/null", "unable to write /dev/null");
+    expect_refused("f.xml set a text x -o pipe.xml", "unable to write pipe.xml");
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    expect_refused("f.xml set a text x -o /dev/full", "unable to write /dev/full");
+    EXPECT_TRUE(fs::is_fifo(path_of("pipe.xml")));
+}
+
+TEST_F(XmlProgram, ANameMayBeAsLongAsNamesCanBe) {
+    const std::string longest = std::string(251, 'x') + ".xml";
+    write("<a/>", longest);
+    output(words(longest + " set a text new"));
+    EXPECT_EQ(content(longest), "<a>new</a>");
 }
 
 // ---- batches

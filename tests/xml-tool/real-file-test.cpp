@@ -33,7 +33,8 @@ std::string serialised(const std::string &file) {
     return {reinterpret_cast<const char *>(text), static_cast<size_t>(size)};
 }
 
-// What stands in one text in the place of something in the other, and that.
+// What stands in one text in the place of something in the other, and that. What only came, or only went, could as
+// well be said to begin a little earlier; it is made to begin with "<" or a blank.
 struct Difference {
     std::string gone, come;
 };
@@ -45,7 +46,13 @@ Difference difference(const std::string &before, const std::string &after) {
         ++start;
     while (end < shorter - start && before[before.size() - 1 - end] == after[after.size() - 1 - end])
         ++end;
-    return {before.substr(start, before.size() - start - end), after.substr(start, after.size() - start - end)};
+    Difference found{before.substr(start, before.size() - start - end),
+                     after.substr(start, after.size() - start - end)};
+    std::string &piece = found.gone.empty() ? found.come : found.gone;
+    for (; start > 0 && !piece.empty() && piece[0] != '<' && piece[0] != ' ' && piece.back() == before[start - 1];
+         --start)
+        std::rotate(piece.begin(), piece.end() - 1, piece.end());
+    return found;
 }
 
 std::string name_of(const testing::TestParamInfo<RealFile> &tested) {
@@ -68,6 +75,8 @@ class RealXmlFile : public XmlToolTest, public testing::WithParamInterface<RealF
     }
     Difference changed() const { return difference(original, file_text(path_of("f.xml"))); }
 
+    void expect_original() const { EXPECT_TRUE(file_text(path_of("f.xml")) == original); } // too long to be shown
+
     std::string original;
 };
 
@@ -77,7 +86,7 @@ TEST_P(RealXmlFile, IsReadWithoutAChange) {
     const std::string before = file_text(path_of("f.xml"));
     EXPECT_GE(std::stoul(output(on_element("count"))), GetParam().elements);
     EXPECT_GT(output("f.xml print").size(), 10000u);
-    EXPECT_EQ(file_text(path_of("f.xml")), before);
+    EXPECT_TRUE(file_text(path_of("f.xml")) == before);
 }
 
 TEST_P(RealXmlFile, GetsAnAttributeAndNothingElseChanges) {
@@ -86,16 +95,16 @@ TEST_P(RealXmlFile, GetsAnAttributeAndNothingElseChanges) {
     EXPECT_EQ(changed().come, " vrk-test=\"&quot;quoted&quot; &amp; more\"");
     EXPECT_EQ(output(on_element("getattr", {"vrk-test"})), "\"quoted\" & more\n");
     output(on_element("deleteattr", {"vrk-test"}));
-    EXPECT_EQ(file_text(path_of("f.xml")), original);
+    expect_original();
 }
 
 TEST_P(RealXmlFile, GetsAnElementAndNothingElseChanges) {
     output(words("f.xml set * vrk-test text", {"new text"}));
     EXPECT_EQ(changed().gone, "");
     EXPECT_EQ(changed().come, "<vrk-test>new text</vrk-test>");
-    EXPECT_EQ(output("f.xml get * vrk-test"), "new text\n");
-    output("f.xml delete * vrk-test");
-    EXPECT_EQ(file_text(path_of("f.xml")), original);
+    EXPECT_EQ(output("f.xml get * *[last()]"), "new text\n") << "it is in the namespace of its parent";
+    output("f.xml delete * *[last()]");
+    expect_original();
 }
 
 TEST_P(RealXmlFile, LosesAnElementAndNothingElse) {
@@ -109,8 +118,8 @@ TEST_P(RealXmlFile, LosesAnElementAndNothingElse) {
 TEST_P(RealXmlFile, IsEditedInABatch) {
     const std::string element(GetParam().element);
     output(words("f.xml batch"), "setattr " + element + " vrk-test 1\n" + "set * vrk-test text made\n" + "deleteattr " +
-                                     element + " vrk-test\n" + "delete * vrk-test\n");
-    EXPECT_EQ(file_text(path_of("f.xml")), original);
+                                     element + " vrk-test\n" + "delete * *[last()]\n");
+    expect_original();
 }
 
 INSTANTIATE_TEST_SUITE_P(Packages, RealXmlFile, testing::ValuesIn(files), name_of);
