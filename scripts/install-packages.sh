@@ -11,4 +11,4 @@ install_packages() {
 }
 
 # What every build needs.
-build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libpng-dev libjpeg62-turbo-dev libcli11-dev)
+build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libpng-dev libjpeg62-turbo-dev libcli11-dev nlohmann-json3-dev)

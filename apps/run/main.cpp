@@ -20,6 +20,7 @@ struct Options {
     std::vector<std::string> search;
     std::vector<std::string> traces;
     std::string script;
+    std::string patcher;
 };
 
 const std::map<std::string, unsigned> trace_families{{"view", maxhost::trace_view},
@@ -39,6 +40,15 @@ void describe(CLI::App &app, Options &options) {
         ->allow_extra_args(false)
         ->check(CLI::IsMember(trace_families));
     app.add_option("--script", options.script, "the script, - for standard input");
+    app.add_option("PATCHER", options.patcher, "a patcher file that is opened first");
+    app.footer("A script has one command a line:\n"
+               "  new NAME CLASS ATOM… @ATTR ATOM…      makes a box\n"
+               "  NAME MESSAGE, MESSAGE…                sends messages to it\n"
+               "  connect NAME OUTLET NAME [INLET]      makes a patch cord\n"
+               "  host open FILE, host save FILE        opens and saves a patcher\n"
+               "  host click NAME [ROW]                 clicks a row of a list, or the box itself\n"
+               "  host wait MILLISECONDS                lets time pass: what is due by then happens now\n"
+               "and more verbs of host. A box in a patcher in a box is named OUTER::INNER.");
 }
 
 // The plug-in that is built beside this program.
@@ -46,6 +56,13 @@ std::string default_plugin() {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
     return (program.parent_path() / VRK_PLUGIN_FILE).string();
+}
+
+// A file of that name in the current folder goes before those in the search path.
+std::string in_current_folder(const std::string &name) {
+    std::error_code error;
+    const bool is_here = !std::filesystem::path(name).has_parent_path() && std::filesystem::exists(name, error);
+    return is_here ? "./" + name : name;
 }
 
 int fail(const std::string &reason) {
@@ -63,16 +80,23 @@ bool load_plugins(const Options &options, std::string &reason) {
     return true;
 }
 
-int run_script(Transcript &transcript, const std::string &file) {
+int run_script(Script &script, const std::string &file) {
     std::ifstream opened;
     if (file != "-") {
         opened.open(file);
         if (!opened || std::filesystem::is_directory(file))
             return fail(file + ": cannot be read");
     }
-    Script script(transcript);
     std::string reason;
     return script.run(file == "-" ? std::cin : opened, file, reason) ? 0 : fail(reason);
+}
+
+int open_and_run(Transcript &transcript, const Options &options) {
+    Script script(transcript);
+    std::string reason;
+    if (!options.patcher.empty() && !script.open_file(in_current_folder(options.patcher), reason))
+        return fail(reason);
+    return options.script.empty() ? 0 : run_script(script, options.script);
 }
 
 int run(const Options &options) {
@@ -85,9 +109,9 @@ int run(const Options &options) {
     for (const std::string &family : options.traces)
         traced |= trace_families.at(family);
     maxhost::start_host(transcript.front_end(traced));
-    const int status = options.script.empty() ? 0 : run_script(transcript, options.script);
+    const int status = open_and_run(transcript, options);
     maxhost::stop_host();
-    return status;
+    return transcript.is_whole() ? status : fail("the transcript cannot be written");
 }
 
 } // namespace

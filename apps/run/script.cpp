@@ -54,8 +54,10 @@ void append(t_dictionary *dictionary, const char *key, std::span<const t_atom> a
     dictionary_appendatoms(dictionary, gensym(key), static_cast<long>(copy.size()), copy.data());
 }
 
-// Everything behind the class: an old argument list, or atoms that are dropped, then @attributes with their values.
-void read_box_arguments(t_dictionary *dictionary, t_symbol *class_name, std::span<const t_atom> words) {
+// Everything behind the class: arguments, then @attributes with their values. The arguments of a class that has old
+// argument lists are one, or they are dropped; those of any other class are answered.
+std::span<const t_atom> read_box_arguments(t_dictionary *dictionary, t_symbol *class_name,
+                                           std::span<const t_atom> words) {
     const auto first = std::find_if(words.begin(), words.end(), starts_attribute);
     const std::span<const t_atom> before(words.begin(), first);
     if (is_old_argument_list(before))
@@ -65,6 +67,12 @@ void read_box_arguments(t_dictionary *dictionary, t_symbol *class_name, std::spa
         append(dictionary, atom_getsym(&*at)->s_name + 1, {at + 1, next});
         at = next;
     }
+    return has_old_arguments(class_name) ? std::span<const t_atom>() : before;
+}
+
+// Words that begin a line and are no names of boxes.
+bool is_command_word(std::string_view word) {
+    return word == "new" || word == "connect" || word == "host" || word == "scheduler" || word.starts_with('#');
 }
 
 } // namespace
@@ -75,11 +83,11 @@ struct Script::NamedVerb {
 };
 
 const Script::NamedVerb Script::verbs_[] = {
-    {"close", &Script::close},   {"free", &Script::free},   {"click", &Script::click},     {"key", &Script::key},
-    {"get", &Script::get},       {"set", &Script::set},     {"assist", &Script::assist},   {"paint", &Script::paint},
-    {"view", &Script::view},     {"dirty", &Script::dirty}, {"clean", &Script::clean},     {"answer", &Script::answer},
-    {"hold", &Script::hold},     {"drain", &Script::drain}, {"release", &Script::release}, {"fail", &Script::fail},
-    {"memory", &Script::memory},
+    {"open", &Script::open},   {"save", &Script::save},       {"wait", &Script::wait},     {"close", &Script::close},
+    {"free", &Script::free},   {"click", &Script::click},     {"key", &Script::key},       {"get", &Script::get},
+    {"set", &Script::set},     {"assist", &Script::assist},   {"paint", &Script::paint},   {"view", &Script::view},
+    {"dirty", &Script::dirty}, {"clean", &Script::clean},     {"answer", &Script::answer}, {"hold", &Script::hold},
+    {"drain", &Script::drain}, {"release", &Script::release}, {"fail", &Script::fail},     {"memory", &Script::memory},
 };
 
 Script::~Script() {
@@ -97,7 +105,19 @@ bool Script::run(std::istream &lines, const std::string &file, std::string &reas
             return false;
         }
     }
-    return true;
+    if (lines.bad())
+        reason = file + ": cannot be read to its end";
+    return !lines.bad();
+}
+
+bool Script::open_file(const std::string &file, std::string &reason) {
+    close({});
+    patcher_ = maxhost::open_patcher(file, reason);
+    if (!patcher_)
+        reason = file + ": " + reason;
+    else if (!held_)
+        drain_queue();
+    return patcher_ != nullptr;
 }
 
 void Script::run_line(const std::string &line) {
@@ -120,11 +140,12 @@ void Script::command(const t_symbol *first, Messages messages) {
         return deliver_on_scheduler(messages);
     if (text.starts_with('#'))
         return deliver_to_receiver(const_cast<t_symbol *>(first), messages);
-    const bool is_box_name = patcher_ && box_named(patcher_, const_cast<t_symbol *>(first));
-    if (is_box_name)
-        return deliver(box_named(patcher_, const_cast<t_symbol *>(first)), messages);
-    if (text != "new" && text != "connect" && text != "host")
-        refuse("no box is named \"" + std::string(text) + "\"");
+    if (!is_command_word(text)) {
+        t_object *named = patcher_ ? box_named(patcher_, const_cast<t_symbol *>(first)) : nullptr;
+        if (!named)
+            refuse("no box is named \"" + std::string(text) + "\"");
+        return deliver(named, messages);
+    }
     if (messages.size() > 1)
         refuse("one command a line");
     const Atoms words = messages.front().atoms;
@@ -160,14 +181,16 @@ void Script::make_box(Atoms words) {
     t_symbol *class_name = name(words, 1, "class");
     if (!is_box_class(class_name))
         refuse(std::string("no class is named \"") + class_name->s_name + "\"");
+    if (is_command_word(box_name->s_name))
+        refuse(std::string("no box can be named \"") + box_name->s_name + "\"");
     if (box_named(patcher(), box_name))
         refuse(std::string("a box is named \"") + box_name->s_name + "\" already");
     const OwnedDictionary dictionary = empty_dictionary();
+    const std::span<const t_atom> arguments = read_box_arguments(dictionary.get(), class_name, words.subspan(2));
     t_atom varname;
     atom_setsym(&varname, box_name);
-    append(dictionary.get(), "varname", {&varname, 1});
-    read_box_arguments(dictionary.get(), class_name, words.subspan(2));
-    if (!new_box(patcher(), class_name, dictionary.get()))
+    append(dictionary.get(), "varname", {&varname, 1}); // whatever the attributes said
+    if (!new_box(patcher(), class_name, dictionary.get(), arguments))
         refuse(std::string("no box of the class \"") + class_name->s_name + "\" can be made");
 }
 
@@ -175,9 +198,10 @@ void Script::connect(Atoms words) {
     t_object *from = box(words, 0);
     const long outlet = number(words, 1, "outlet");
     t_object *to = box(words, 2);
-    if (words.size() > 3 && number(words, 3, "inlet") != 0)
+    const long inlet = words.size() > 3 ? number(words, 3, "inlet") : 0;
+    if (inlet < 0 || inlet >= inlets_of(to))
         refuse("no such inlet");
-    if (!connect_boxes(from, outlet, to))
+    if (!connect_boxes(from, outlet, to, inlet))
         refuse("no such outlet");
 }
 
@@ -196,6 +220,8 @@ void Script::deliver_on_scheduler(Messages messages) {
     Atoms words = messages.front().atoms;
     t_object *to = box(words, 0);
     argument(words, 1, "message");
+    if (std::any_of(messages.begin(), messages.end(), [](const TypedMessage &each) { return each.receiver; }))
+        refuse("no receivers on the scheduler thread");
     send_on_scheduler(to, {words.begin() + 1, words.end()});
     for (const TypedMessage &message : messages.subspan(1))
         send_on_scheduler(to, message.atoms);
@@ -206,8 +232,9 @@ void Script::deliver_to_receiver(t_symbol *receiver, Messages messages) {
     for (const TypedMessage &message : messages) {
         if (message.atoms.empty())
             refuse("no message");
-        if (!send_to_receiver(receiver, message.atoms))
-            transcript_.line("error: " + print_text(receiver->s_name) + ": no such object");
+        t_symbol *to = message.receiver ? message.receiver : receiver; // behind a semicolon stands another one
+        if (!send_to_receiver(to, message.atoms))
+            transcript_.line("error: " + print_text(to->s_name) + ": no such object");
     }
 }
 
@@ -219,9 +246,27 @@ void Script::close(Atoms) {
     patcher_ = nullptr;
 }
 
+void Script::open(Atoms words) {
+    std::string reason;
+    if (!open_file(text_of(argument(words, 0, "file")), reason))
+        refuse(reason);
+}
+
+void Script::save(Atoms words) {
+    const std::string file = text_of(argument(words, 0, "file"));
+    std::string reason;
+    if (!save_patcher(patcher(), file, reason))
+        refuse(file + ": " + reason);
+}
+
 void Script::free(Atoms words) { free_box(box(words, 0)); }
 
-void Script::click(Atoms words) { click_row(box(words, 0), number(words, 1, "row")); }
+// With a row: in the data view; without: the box itself.
+void Script::click(Atoms words) {
+    t_object *of = box(words, 0);
+    if (words.size() > 1 || !click_box(of))
+        click_row(of, number(words, 1, "row"));
+}
 
 void Script::key(Atoms words) {
     static const std::map<std::string, Key> keys{{"up", Key::up},          {"down", Key::down},
@@ -299,6 +344,17 @@ void Script::hold(Atoms) { held_ = true; }
 void Script::drain(Atoms) { drain_queue(); }
 
 void Script::release(Atoms) { held_ = false; } // the queue is drained at the end of the line
+
+void Script::wait(Atoms words) {
+    const t_atom &time = argument(words, 0, "time");
+    const bool is_time = atom_gettype(&time) != A_SYM && atom_getfloat(&time) >= 0;
+    if (!is_time)
+        refuse("not a time in milliseconds: " + text_of(time));
+    const double until = clock_time() + atom_getfloat(&time);
+    while (run_next_clock(until))
+        if (!held_)
+            drain_queue();
+}
 
 void Script::fail(Atoms words) { fail_nth_allocation(number(words, 0, "number")); }
 

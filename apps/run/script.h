@@ -17,6 +17,10 @@ class Script {
     // Carries out every line. At a line that is no command it stops and is false; `reason` says "NAME:LINE: why".
     bool run(std::istream &lines, const std::string &name, std::string &reason);
 
+    // Opens a patcher, in place of the one that is open, and drains the queue. False when it cannot be opened; `reason`
+    // then says "FILE: why".
+    bool open_file(const std::string &file, std::string &reason);
+
   private:
     using Atoms = std::span<const t_atom>;
     using Messages = std::span<const maxhost::TypedMessage>;
@@ -35,6 +39,8 @@ class Script {
     void deliver_to_receiver(t_symbol *receiver, Messages messages);
 
     // The verbs of "host"; the words behind the verb.
+    void open(Atoms words);
+    void save(Atoms words);
     void close(Atoms words);
     void free(Atoms words);
     void click(Atoms words);
@@ -50,6 +56,7 @@ class Script {
     void hold(Atoms words);
     void drain(Atoms words);
     void release(Atoms words);
+    void wait(Atoms words);
     void fail(Atoms words);
     void memory(Atoms words);
 

@@ -15,6 +15,9 @@ class Transcript {
     // Any thread. Written at once.
     void line(const std::string &text);
 
+    // Whether every line so far could be written.
+    bool is_whole() const { return std::ferror(out_) == 0; }
+
     // What the next save dialogs answer, in order; an empty text cancels. Dialogs without an answer are cancelled.
     void prepare_answer(const std::string &file) { answers_.push_back(file); }
 

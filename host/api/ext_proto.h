@@ -1,4 +1,4 @@
-// Symbols, outlets, deferral and presets.
+// Symbols, outlets, deferral, clocks and presets.
 #pragma once
 
 #include "ext_mess.h"
@@ -31,6 +31,12 @@ void *defer_low(void *ob, method fn, t_symbol *sym, short argc, t_atom *argv);
 void *qelem_new(void *obj, method fn);
 void qelem_set(t_qelem *x);
 void qelem_free(t_qelem *x);
+
+// A task fn(obj) for later, released with object_free. Setting it (milliseconds, at least one; again: instead of
+// before) has it run once; unset takes that back. Any thread; the task runs on the main one.
+void *clock_new(void *obj, method fn);
+void clock_fdelay(void *x, double f);
+void clock_unset(void *x);
 
 // Tells the preset mechanism that `n` sent as "int" brings the object back to where it is.
 void preset_int(t_object *x, t_atom_long n);

@@ -2,19 +2,28 @@
 #include "embed/host.h"
 
 #include <algorithm>
+#include <filesystem>
 
+#include "ext_path.h"
 #include "ext_proto.h"
+#include "files/wholefile.h"
 #include "kernel/attributes.h"
 #include "kernel/classes.h"
 #include "kernel/critical.h"
 #include "kernel/memory.h"
 #include "kernel/objects.h"
 #include "kernel/outlets.h"
+#include "kernel/receivers.h"
 #include "kernel/scheduler.h"
 #include "ui/box.h"
+#include "ui/boxes/boxes.h"
 #include "ui/dataview.h"
 #include "ui/editor.h"
 #include "ui/patcher.h"
+#include "ui/patcherfile.h"
+#include "ui/patcherwriter.h"
+
+namespace fs = std::filesystem;
 
 namespace maxhost {
 namespace {
@@ -29,8 +38,19 @@ DataView *view_of(t_object *box) {
     return state && !state->views.empty() ? state->views.front() : nullptr;
 }
 
-long rows_in_a_page(t_object *box, const DataView &view) {
+long rows_in_a_page(t_object *box, const ViewState &view) {
     return std::max(1L, static_cast<long>(reinterpret_cast<t_jbox *>(box)->b_patching_rect.height) / view.row_height);
+}
+
+// The full path of a file that is there, as open_patcher finds it.
+bool find_file(const std::string &file, std::string &path) {
+    std::error_code error;
+    if (fs::path(file).has_parent_path() && fs::exists(file, error)) {
+        path = fs::absolute(file, error).lexically_normal().string();
+        return !error;
+    }
+    path = find_in_search_path(file);
+    return !path.empty();
 }
 
 } // namespace
@@ -38,6 +58,7 @@ long rows_in_a_page(t_object *box, const DataView &view) {
 void start_host(FrontEnd front) {
     front_end() = std::move(front);
     register_editor();
+    register_boxes();
 }
 
 void stop_host() {
@@ -53,9 +74,46 @@ OwnedDictionary empty_dictionary() { return new_dictionary(); }
 
 t_object *new_patcher() { return create<Patcher>(); }
 
+t_object *open_patcher(const std::string &file, std::string &reason) {
+    std::string path, text;
+    if (!find_file(file, path)) {
+        reason = "not found";
+        return nullptr;
+    }
+    if (!read_whole_file(path, text, reason))
+        return nullptr;
+    const fs::path whole(path);
+    set_patcher_folder(whole.parent_path().string());
+    Patcher *patcher = read_patcher(text, whole.filename().string(), reason);
+    if (!patcher)
+        set_patcher_folder("");
+    return patcher;
+}
+
+bool save_patcher(t_object *patcher, const std::string &file, std::string &reason) {
+    auto *found = expect<Patcher>(patcher, "save_patcher");
+    if (!found)
+        return false;
+    const fs::path named(file);
+    std::error_code error;
+    const fs::path path = named.has_parent_path() ? fs::absolute(named, error) : fs::path(default_folder()) / named;
+    if (named.filename().empty()) {
+        reason = "no name of a file";
+        return false;
+    }
+    if (!replace_whole_file(path.string(), patcher_text(*found), reason))
+        return false;
+    set_patcher_folder(path.parent_path().string());
+    found->dirty = false;
+    return true;
+}
+
 void free_patcher(t_object *patcher) {
-    if (auto *found = expect<Patcher>(patcher, "free_patcher"))
-        between_deliveries([&] { close_patcher(found); });
+    auto *found = expect<Patcher>(patcher, "free_patcher");
+    if (!found)
+        return;
+    between_deliveries([&] { close_patcher(found); });
+    set_patcher_folder("");
 }
 
 bool is_dirty(t_object *patcher) {
@@ -80,6 +138,11 @@ void close_patcher_view(t_object *view) {
 
 bool is_box_class(t_symbol *class_name) { return find_class(CLASS_BOX, class_name) != nullptr; }
 
+bool has_old_arguments(t_symbol *class_name) {
+    const Class *cls = find_class(CLASS_BOX, class_name);
+    return cls && find_method(*cls, gensym("stdargs"));
+}
+
 void add_old_arguments(t_symbol *class_name, t_dictionary *dictionary, std::span<const t_atom> arguments) {
     const Class *cls = find_class(CLASS_BOX, class_name);
     const Method *found = cls ? find_method(*cls, gensym("stdargs")) : nullptr;
@@ -91,9 +154,10 @@ void add_old_arguments(t_symbol *class_name, t_dictionary *dictionary, std::span
                                                   atoms.data());
 }
 
-t_object *new_box(t_object *patcher, t_symbol *class_name, t_dictionary *dictionary) {
+t_object *new_box(t_object *patcher, t_symbol *class_name, t_dictionary *dictionary,
+                  std::span<const t_atom> arguments) {
     auto *found = expect<Patcher>(patcher, "new_box");
-    return found ? make_box(*found, class_name, dictionary) : nullptr;
+    return found ? make_new_box(*found, class_name, dictionary, arguments) : nullptr;
 }
 
 void free_box(t_object *box) {
@@ -105,11 +169,29 @@ t_object *box_named(t_object *patcher, t_symbol *name) {
     return found ? find_box(*found, name) : nullptr;
 }
 
-bool connect_boxes(t_object *from, long outlet, t_object *to) {
+std::vector<t_object *> boxes_in(t_object *patcher) {
+    std::vector<t_object *> boxes;
+    if (const auto *found = expect<Patcher>(patcher, "boxes_in"))
+        for (t_jbox *box : found->boxes)
+            boxes.push_back(&box->b_ob);
+    return boxes;
+}
+
+t_symbol *class_of_box(t_object *box) { return class_of(box).name; }
+
+t_object *patcher_in(t_object *box) {
+    const BoxState *state = box_state(box);
+    return state ? state->inner : nullptr;
+}
+
+long inlets_of(t_object *box) { return inlet_count(box); }
+long outlets_of(t_object *box) { return outlet_count(box); }
+
+bool connect_boxes(t_object *from, long outlet, t_object *to, long inlet) {
     Outlet *found = outlet_of(from, outlet);
-    if (!found || !record_of(to))
+    if (!found || inlet < 0 || inlet >= inlet_count(to))
         return false;
-    connect(*found, to);
+    between_deliveries([&] { connect(*found, {to, inlet}); });
     return true;
 }
 
@@ -125,12 +207,8 @@ OwnedDictionary saved_box(t_object *box) {
 void send_message(t_object *box, std::span<const t_atom> atoms) {
     if (atoms.empty())
         return;
-    if (atom_gettype(&atoms[0]) == A_SYM)
-        deliver(box, atom_getsym(&atoms[0]), atoms.subspan(1));
-    else if (atoms.size() > 1)
-        deliver(box, gensym("list"), atoms);
-    else
-        deliver(box, gensym(atom_gettype(&atoms[0]) == A_FLOAT ? "float" : "int"), atoms);
+    const Message message = message_of(atoms);
+    deliver(box, message.selector, message.arguments);
     expect_no_region("a message");
 }
 
@@ -144,11 +222,9 @@ void send_on_scheduler(t_object *box, std::vector<t_atom> atoms) {
 void wait_until_delivered() { wait_for_scheduler(); }
 
 bool send_to_receiver(t_symbol *receiver, std::span<const t_atom> atoms) {
-    t_object *bound = receiver->s_thing;
-    if (!bound || !box_state(bound)) // a binding outlives what it is bound to
-        return false;
-    send_message(bound, atoms);
-    return true;
+    const bool reached = deliver_to_name(receiver, message_of(atoms));
+    expect_no_region("a message");
+    return reached;
 }
 
 bool has_attribute(t_object *box, t_symbol *name) { return find_attribute(class_of(box), name) != nullptr; }
@@ -180,7 +256,7 @@ bool press_key(t_object *box, Key key) {
     if (!view)
         return false;
     const ViewState now = view_state(*view);
-    const long page = rows_in_a_page(box, *view);
+    const long page = rows_in_a_page(box, now);
     long to = now.selected;
     switch (key) {
     case Key::up:
@@ -203,6 +279,14 @@ bool press_key(t_object *box, Key key) {
         break;
     }
     return now.rows > 0 && select_as_person(*view, std::clamp(to, 1L, now.rows));
+}
+
+bool click_box(t_object *box) {
+    if (!find_method(class_of(box), gensym("click")))
+        return false;
+    object_method(box, gensym("click"));
+    expect_no_region("a click");
+    return true;
 }
 
 DrawList painted_row(t_object *box, long position) {

@@ -12,6 +12,7 @@
 #include "files/paths.h"
 #include "files/sysfile.h"
 #include "kernel/atomtext.h"
+#include "kernel/clocks.h"
 #include "kernel/dictionary.h"
 #include "kernel/export.h"
 #include "kernel/frontend.h"
@@ -46,6 +47,19 @@ MAXHOST_EMBED OwnedDictionary empty_dictionary();
 // ---- patchers and their views
 
 MAXHOST_EMBED t_object *new_patcher();
+
+// Opens a patcher file: JSON, or the text form of before. A name without folders is looked up in the search path, any
+// other from the current folder and then in the search path. The file's folder becomes the patcher's folder before the
+// boxes are made. What is wrong in the file, and which classes are not known, goes to the console; those boxes are kept
+// and do nothing. The patcher is not marked changed. Null with the reason, which does not name the file, when the file
+// cannot be read or is no patcher.
+MAXHOST_EMBED t_object *open_patcher(const std::string &file, std::string &reason);
+
+// Saves a patcher as JSON, with everything that its file had and that was not edited as it was. A name without folders
+// goes to the patcher's folder, any other is taken from the current one; the folder becomes the patcher's. The patcher
+// is then marked unchanged. False with the reason when that fails: a file that was there is as it was.
+MAXHOST_EMBED bool save_patcher(t_object *patcher, const std::string &file, std::string &reason);
+
 MAXHOST_EMBED void free_patcher(t_object *patcher);
 MAXHOST_EMBED bool is_dirty(t_object *patcher);
 MAXHOST_EMBED void set_clean(t_object *patcher);
@@ -58,20 +72,35 @@ MAXHOST_EMBED void close_patcher_view(t_object *view);
 
 MAXHOST_EMBED bool is_box_class(t_symbol *class_name);
 
+// Whether the class has old argument lists, and turns them into what a box is made from ("stdargs").
+MAXHOST_EMBED bool has_old_arguments(t_symbol *class_name);
+
 // Has the class turn an old argument list into entries of the dictionary; a class without "stdargs" leaves it alone.
 MAXHOST_EMBED void add_old_arguments(t_symbol *class_name, t_dictionary *dictionary, std::span<const t_atom> arguments);
 
-// Makes a box from its dictionary; null when the class makes none. "varname" in the dictionary is its scripting name.
-MAXHOST_EMBED t_object *new_box(t_object *patcher, t_symbol *class_name, t_dictionary *dictionary);
+// Makes a box from its dictionary and the arguments that are typed behind its class; null when the class makes none.
+// "varname" in the dictionary is its scripting name.
+MAXHOST_EMBED t_object *new_box(t_object *patcher, t_symbol *class_name, t_dictionary *dictionary,
+                                std::span<const t_atom> arguments = {});
 
 // Frees a box between two deliveries of the scheduler thread.
 MAXHOST_EMBED void free_box(t_object *box);
 
-// The box of that scripting name or, for one that has none, id; null when there is none.
+// The box of that scripting name or else that id; null when there is none. "a::b" is the box b in the patcher in box a.
 MAXHOST_EMBED t_object *box_named(t_object *patcher, t_symbol *name);
 
-// A patch cord from an outlet, counted from the left; false when there is no such outlet.
-MAXHOST_EMBED bool connect_boxes(t_object *from, long outlet, t_object *to);
+// The boxes of a patcher in order of creation, the class of one, and the patcher in one; null when none is in it. That
+// patcher is the box's, not to be freed.
+MAXHOST_EMBED std::vector<t_object *> boxes_in(t_object *patcher);
+MAXHOST_EMBED t_symbol *class_of_box(t_object *box);
+MAXHOST_EMBED t_object *patcher_in(t_object *box);
+
+MAXHOST_EMBED long inlets_of(t_object *box);
+MAXHOST_EMBED long outlets_of(t_object *box);
+
+// A patch cord from an outlet to an inlet, both counted from the left, behind the cords that leave the outlet; false
+// when there is no such outlet or inlet.
+MAXHOST_EMBED bool connect_boxes(t_object *from, long outlet, t_object *to, long inlet = 0);
 
 // The attributes that are saved, and what the box adds in "jsave".
 MAXHOST_EMBED OwnedDictionary saved_box(t_object *box);
@@ -86,7 +115,8 @@ MAXHOST_EMBED void send_message(t_object *box, std::span<const t_atom> atoms);
 MAXHOST_EMBED void send_on_scheduler(t_object *box, std::vector<t_atom> atoms);
 MAXHOST_EMBED void wait_until_delivered();
 
-// To whatever is bound to the symbol; false when that is no box that is alive.
+// To whatever is bound to the symbol, if it is a box that is alive, and to the receivers of that name; false when that
+// is nobody.
 MAXHOST_EMBED bool send_to_receiver(t_symbol *receiver, std::span<const t_atom> atoms);
 
 // ---- attributes
@@ -106,6 +136,9 @@ MAXHOST_EMBED bool click_row(t_object *box, long position);
 
 // Moves the selection, which starts at the first row, and stays at the ends. A page is what fits into the box.
 MAXHOST_EMBED bool press_key(t_object *box, Key key);
+
+// Clicks the box itself; false for one that has no use for it.
+MAXHOST_EMBED bool click_box(t_object *box);
 
 // What the plug-in draws for the row at a position.
 MAXHOST_EMBED DrawList painted_row(t_object *box, long position);

@@ -82,28 +82,30 @@ bool has_type(const fs::path &file, const t_fourcc *types, short count) {
     return !types || count <= 0 || std::find(types, types + count, type_of(file)) != types + count;
 }
 
-short locate(char *name, short *outvol, t_fourcc *outtype, const t_fourcc *types, short count) {
-    const fs::path asked(name);
-    if (asked.empty())
-        return err_not_found;
+// The first file of that name and one of the types; empty when there is none.
+fs::path first_file(const fs::path &asked, const t_fourcc *types, short count) {
     std::vector<fs::path> candidates;
     if (asked.is_absolute())
         candidates.push_back(asked);
-    else
+    else if (!asked.empty())
         for (const std::string &folder : search_folders())
             candidates.push_back(fs::path(folder) / asked);
-    for (const fs::path &candidate : candidates) {
-        if (!is_file(candidate) || !has_type(candidate, types, count))
-            continue;
-        const fs::path found = tidy(candidate);
-        const short id = folder_id(found.parent_path().string());
-        if (id == 0 || !put(found.filename().string(), name, MAX_PATH_CHARS))
-            return err_bad_name;
-        *outvol = id;
-        *outtype = type_of(found);
-        return 0;
-    }
-    return err_not_found;
+    for (const fs::path &candidate : candidates)
+        if (is_file(candidate) && has_type(candidate, types, count))
+            return tidy(candidate);
+    return {};
+}
+
+short locate(char *name, short *outvol, t_fourcc *outtype, const t_fourcc *types, short count) {
+    const fs::path found = first_file(name, types, count);
+    if (found.empty())
+        return err_not_found;
+    const short id = folder_id(found.parent_path().string());
+    if (id == 0 || !put(found.filename().string(), name, MAX_PATH_CHARS))
+        return err_bad_name;
+    *outvol = id;
+    *outtype = type_of(found);
+    return 0;
 }
 
 short full_path(short id, const char *file, char *name, bool must_exist) {
@@ -167,6 +169,8 @@ std::string default_folder() {
     std::lock_guard lock(folders().mutex);
     return folders().patcher.empty() ? tidy(".") : folders().patcher;
 }
+
+std::string find_in_search_path(const std::string &file) { return first_file(file, nullptr, 0).string(); }
 
 short folder_id(const std::string &folder) {
     const std::string path = tidy(folder);

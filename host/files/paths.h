@@ -17,6 +17,10 @@ void set_patcher_folder(const std::string &folder);
 // Where a bare file name is written: the patcher's folder, else the current one. A full path.
 std::string default_folder();
 
+// The full path of a regular file in the search path, or of one that is named by its full path; empty when there is
+// none.
+std::string find_in_search_path(const std::string &file);
+
 // The id of a folder that exists, the same for the same folder; 0 when it does not exist or no id is left.
 MAXHOST_EMBED short folder_id(const std::string &folder);
 

@@ -69,6 +69,9 @@ class Reader {
         return 'w';
     }
 
+    // Whether the last word begins with $1 to $9.
+    bool changeable() const { return changeable_; }
+
   private:
     bool is_separator(char c) const { return separators_ && (c == ',' || c == ';'); }
 
@@ -76,8 +79,11 @@ class Reader {
         std::string word;
         bool literal = false; // quoted or escaped: never a number
         bool quoted = false;
+        changeable_ = false;
         for (; at_ < text_.size(); ++at_) {
             const char c = text_[at_];
+            if (c == '$' && word.empty() && at_ + 1 < text_.size() && text_[at_ + 1] >= '1' && text_[at_ + 1] <= '9')
+                changeable_ = true;
             if (c == '\\' && at_ + 1 < text_.size()) {
                 word += text_[++at_];
                 literal = true;
@@ -96,6 +102,7 @@ class Reader {
 
     std::string_view text_;
     bool separators_;
+    bool changeable_ = false;
     size_t at_ = 0;
 };
 
@@ -148,14 +155,18 @@ std::vector<TypedMessage> parse_messages(std::string_view text) {
         if (!message.atoms.empty())
             messages.push_back(message);
         message.atoms.clear();
+        message.changeable.clear();
     };
     Reader reader(text, true);
     t_atom atom;
     while (const char kind = reader.next(atom)) {
         if (kind == 'w' && wants_receiver) {
             message.receiver = atom_gettype(&atom) == A_SYM ? atom_getsym(&atom) : gensym(print_atom(atom).c_str());
+            message.changeable_receiver = reader.changeable();
             wants_receiver = false;
         } else if (kind == 'w') {
+            if (reader.changeable())
+                message.changeable.push_back(message.atoms.size());
             message.atoms.push_back(atom);
         } else {
             finish();
@@ -219,6 +230,23 @@ std::string print_atom(const t_atom &atom) {
     default:
         return "<object>";
     }
+}
+
+std::string typed_atoms(std::span<const t_atom> atoms) {
+    std::string out;
+    for (const t_atom &atom : atoms) {
+        out.append(out.empty() ? "" : " ");
+        const std::string_view text = atom_gettype(&atom) == A_SYM ? atom_getsym(&atom)->s_name : "";
+        if (text.empty() || !needs_quotes(text)) {
+            out += text.empty() ? print_atom(atom) : text;
+            continue;
+        }
+        out += '"';
+        for (char c : text)
+            out.append(c == '"' || c == '\\' ? "\\" : "").append(1, c);
+        out += '"';
+    }
+    return out;
 }
 
 std::string print_atoms(std::span<const t_atom> atoms) {

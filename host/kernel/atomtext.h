@@ -11,10 +11,13 @@
 
 namespace maxhost {
 
-// One message of a typed text. `receiver` is empty for the messages before the first semicolon.
+// One message of a typed text. `receiver` is empty for the messages before the first semicolon. Words that begin with
+// $1 to $9, the dollar not behind a backslash, stand in it as they are; their places are told.
 struct TypedMessage {
     t_symbol *receiver = nullptr;
     std::vector<t_atom> atoms;
+    std::vector<size_t> changeable; // places in `atoms`
+    bool changeable_receiver = false;
 };
 
 // Splits a text as a message box does: atoms at white space, messages at commas, and behind a semicolon the name of a
@@ -33,6 +36,9 @@ MAXHOST_EMBED bool parse_number(std::string_view word, t_atom &number);
 MAXHOST_EMBED std::string print_atom(const t_atom &atom);
 MAXHOST_EMBED std::string print_atoms(std::span<const t_atom> atoms);
 MAXHOST_EMBED std::string print_float(double value);
+
+// Atoms as typed text that reads back as the same atoms: as they print, but that control characters stay what they are.
+MAXHOST_EMBED std::string typed_atoms(std::span<const t_atom> atoms);
 
 // The text with its control characters replaced as above; `quoted`: between double quotes, with a backslash before
 // quotes and backslashes.

@@ -8,6 +8,7 @@
 #include "ext_proto.h"
 #include "ext_sysmem.h"
 #include "kernel/atomtext.h"
+#include "kernel/critical.h"
 #include "kernel/dictionary.h"
 #include "kernel/objects.h"
 
@@ -60,6 +61,7 @@ char *place_of(t_object *object, const Attribute &attribute) {
 void read_elements(t_object *object, const Attribute &attribute, std::vector<t_atom> &values) {
     const ElementType &type = *element_type(attribute.type);
     const char *place = place_of(object, attribute);
+    const HeldRegion region; // messages set attributes on both threads
     for (long i = 0; i < attribute.count; ++i, place += type.size)
         type.read(place, &values.emplace_back());
 }
@@ -67,6 +69,7 @@ void read_elements(t_object *object, const Attribute &attribute, std::vector<t_a
 t_max_err write_elements(t_object *object, const Attribute &attribute, std::span<const t_atom> values) {
     const ElementType &type = *element_type(attribute.type);
     char *place = place_of(object, attribute);
+    const HeldRegion region;
     for (const t_atom &value : values.first(std::min(values.size(), static_cast<size_t>(attribute.count)))) {
         type.write(place, &value);
         place += type.size;

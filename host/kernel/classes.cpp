@@ -69,15 +69,33 @@ bool call_method(t_object *object, const Method &found, t_symbol *selector, std:
     return true;
 }
 
-// The method that a patch can call by this selector. A lone number that is no "float" to the class is its "int".
-const Method *message_method(const Class &cls, t_symbol *selector) {
-    const Method *found = find_method(cls, selector);
-    if (!found && selector == gensym("float"))
-        found = find_method(cls, gensym("int"));
-    if (!found)
-        found = find_method(cls, gensym("anything"));
+// A method, unless only the host calls it.
+const Method *public_method(const Class &cls, t_symbol *name) {
+    const Method *found = find_method(cls, name);
     return found && (found->codes.empty() || found->codes[0] != A_CANT) ? found : nullptr;
 }
+
+// The method that a patch can call by this selector. A lone number that is no "float" to the class is its "int".
+const Method *message_method(const Class &cls, t_symbol *selector) {
+    const Method *found = public_method(cls, selector);
+    if (!found && selector == gensym("float"))
+        found = public_method(cls, gensym("int"));
+    return found ? found : public_method(cls, gensym("anything"));
+}
+
+thread_local long inlet_in_use = 0;
+
+// Makes an inlet the current one while it lives.
+class InletInUse {
+  public:
+    explicit InletInUse(long inlet) : before_(inlet_in_use) { inlet_in_use = inlet; }
+    ~InletInUse() { inlet_in_use = before_; }
+    InletInUse(const InletInUse &) = delete;
+    InletInUse &operator=(const InletInUse &) = delete;
+
+  private:
+    long before_;
+};
 
 // Reads an argument list that ends with 0.
 std::vector<short> read_codes(short first, va_list rest) {
@@ -102,7 +120,7 @@ const Method *find_method(const Class &cls, t_symbol *name) {
 }
 
 Class *new_host_class(const char *name, bool counted) {
-    auto *cls = new Class;
+    auto *cls = new Class(); // c_flags is zero as well
     cls->name = gensym(name);
     cls->counted = counted;
     cls->name_space = CLASS_NOBOX;
@@ -117,10 +135,11 @@ Class *find_class(t_symbol *name_space, t_symbol *name) {
     return found == table.classes.end() ? nullptr : found->second;
 }
 
-void deliver(t_object *object, t_symbol *selector, std::span<const t_atom> arguments) {
+void deliver(t_object *object, t_symbol *selector, std::span<const t_atom> arguments, long inlet) {
     const Record *record = record_of(object);
     if (!record)
         return;
+    const InletInUse way_in(inlet);
     if (const Method *found = message_method(*record->cls, selector)) {
         if (!call_method(object, *found, selector, arguments))
             console_error(object, std::string("bad arguments for message \"") + selector->s_name + "\"");
@@ -132,6 +151,8 @@ void deliver(t_object *object, t_symbol *selector, std::span<const t_atom> argum
         console_error(object, std::string("doesn't understand \"") + selector->s_name + "\"");
     }
 }
+
+long current_inlet() { return inlet_in_use; }
 
 } // namespace maxhost
 
@@ -146,7 +167,7 @@ t_class *class_new(const char *name, const method mnew, const method mfree, long
                  "no name, or no room for a header") ||
         !at_door(codes.size() == 1 && codes[0] == A_GIMME, "class_new", "a constructor takes any atoms (A_GIMME)"))
         return nullptr;
-    auto *cls = new Class;
+    auto *cls = new Class(); // c_flags is zero as well
     cls->name = gensym(name);
     cls->construct = mnew;
     cls->destroy = mfree;

@@ -16,16 +16,12 @@ constexpr int longest_line = 32767; // bytes; what is over is cut
 
 // The formatted text; a format that cannot be carried out (a wide text that no locale can write) stands for itself.
 std::string formatted(const char *format, va_list arguments) {
-    std::string text(longest_line + 1, 0);
+    std::string text(longest_line + 2, 0);
     const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
     if (length < 0)
         return format;
-    size_t end = static_cast<size_t>(std::min(length, longest_line));
-    if (length > longest_line)
-        while (end > 0 && (text[end] & 0xC0) == 0x80) // not inside a UTF-8 sequence
-            --end;
-    text.resize(end);
-    return text;
+    text.resize(static_cast<size_t>(std::min(length, longest_line + 1)));
+    return cut(std::move(text), longest_line);
 }
 
 void show(ConsoleLine kind, const t_object *object, const std::string &text) {
@@ -39,7 +35,22 @@ void show(ConsoleLine kind, const t_object *object, const char *format, va_list 
 
 } // namespace
 
+std::string cut(std::string text, size_t bytes) {
+    if (text.size() <= bytes)
+        return text;
+    while (bytes > 0 && (text[bytes] & 0xC0) == 0x80)
+        --bytes;
+    text.resize(bytes);
+    return text;
+}
+
 void console_error(const t_object *object, const std::string &text) { show(ConsoleLine::error, object, text); }
+void console_warning(const t_object *object, const std::string &text) { show(ConsoleLine::warn, object, text); }
+
+void console_error_about(const std::string &name, const std::string &text) {
+    if (front_end().console)
+        front_end().console(ConsoleLine::error, name, text);
+}
 
 } // namespace maxhost
 

@@ -17,12 +17,20 @@ std::recursive_mutex &global_region() {
 
 thread_local long depth = 0;
 
+void enter() {
+    global_region().lock();
+    ++depth;
+}
+
 void leave() {
     --depth;
     global_region().unlock();
 }
 
 } // namespace
+
+HeldRegion::HeldRegion() { enter(); }
+HeldRegion::~HeldRegion() { leave(); }
 
 void expect_no_region(const char *event) {
     if (depth == 0)
@@ -42,8 +50,7 @@ void critical_enter(t_critical x) {
         return;
     }
     trace(trace_lock, "critical_enter", 0);
-    global_region().lock();
-    ++depth;
+    enter();
 }
 
 void critical_exit(t_critical x) {

@@ -13,6 +13,13 @@ Class *_dictionary::host_class() {
 
 OwnedDictionary maxhost::new_dictionary() { return OwnedDictionary(create<t_dictionary>()); }
 
+std::span<const t_atom> maxhost::atoms_under(const t_dictionary *dictionary, const char *key) {
+    auto found = dictionary->index.find(gensym(key));
+    if (found == dictionary->index.end())
+        return {};
+    return dictionary->entries[found->second].second;
+}
+
 t_max_err dictionary_getatoms(const t_dictionary *d, t_symbol *key, long *argc, t_atom **argv) {
     auto *dictionary = expect<t_dictionary>(d, "dictionary_getatoms");
     if (!dictionary)
@@ -20,6 +27,7 @@ t_max_err dictionary_getatoms(const t_dictionary *d, t_symbol *key, long *argc, 
     auto found = dictionary->index.find(key);
     if (found == dictionary->index.end())
         return MAX_ERR_GENERIC;
+    dictionary->asked.insert(key);
     std::vector<t_atom> &atoms = dictionary->entries[found->second].second;
     *argc = static_cast<long>(atoms.size());
     *argv = atoms.data();

@@ -52,6 +52,7 @@ void adopt(t_object *object, Class *cls, void (*release)(void *)) {
 
 void release(t_object *object) {
     forget_deferred(object);
+    cut_cords(object);
     std::unique_ptr<Record> record;
     {
         Register &objects = all_objects();

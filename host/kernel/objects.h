@@ -22,8 +22,10 @@ struct Record {
     void (*release)(void *) = nullptr;            // gives the memory back
     t_symbol *name = nullptr;                     // a box's scripting name or id
     std::vector<std::unique_ptr<Outlet>> outlets; // in order of creation, so from right to left
-    std::atomic<bool> ready{false};               // construction is over: notifications reach it
-    std::optional<t_atom_long> preset;            // what "int" brings it back to where it is
+    std::vector<Outlet *> sources;                // where cords to it begin, once for each cord
+    long inlets = 1;
+    std::atomic<bool> ready{false};    // construction is over: notifications reach it
+    std::optional<t_atom_long> preset; // what "int" brings it back to where it is
 
     Record();
     ~Record();

@@ -1,24 +1,42 @@
-// Outlets and the patch cords that leave them.
+// Outlets, the patch cords that leave them, and the inlets that the cords lead to.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "ext_proto.h"
 
 namespace maxhost {
 
+struct Cord {
+    t_object *receiver;
+    long inlet;     // counted from the left
+    long line = -1; // its place among the cords of the patcher's file; -1: it is in none
+};
+
 struct Outlet {
     t_object *owner;
     t_symbol *message; // the only message it sends, or null for any
-    std::vector<t_object *> receivers;
+    long created;      // how many outlets the owner had before; they come from right to left
+    std::vector<Cord> cords;
 };
 
 // The outlet of a living object, counted from the left; null when it has no such outlet.
 Outlet *outlet_of(t_object *owner, long from_left);
 long outlet_count(t_object *owner);
 
-// Adds a cord; takes out all cords that lead to an object.
-void connect(Outlet &outlet, t_object *receiver);
-void disconnect(t_object *owner, t_object *receiver);
+// An object has one inlet until it asks for another number of them.
+long inlet_count(const t_object *object);
+void set_inlet_count(t_object *object, long count);
+
+// Sends a message of any length through an outlet, as outlet_anything does.
+void *send_through(t_outlet *outlet, t_symbol *selector, std::span<const t_atom> arguments);
+
+// Adds a cord; takes out all cords that leave an object or lead to it.
+void connect(Outlet &outlet, const Cord &cord);
+void cut_cords(t_object *object);
+
+// Forgets the cords at this end only: for a group of objects that are joined with each other alone, all of which go.
+void forget_cords(t_object *object);
 
 } // namespace maxhost

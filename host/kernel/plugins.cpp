@@ -3,6 +3,7 @@
 
 #include <dlfcn.h>
 
+#include <filesystem>
 #include <set>
 
 namespace maxhost {
@@ -28,15 +29,18 @@ bool enter(void *handle) {
 } // namespace
 
 bool load_plugin(const std::string &file, std::string &reason) {
-    void *handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    // A name without folders is a file of the current one, not of the library path.
+    void *handle = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
         reason = dlerror();
         return false;
     }
-    if (!entered().insert(handle).second)
+    if (entered().contains(handle))
         return true;
-    if (enter(handle))
+    if (enter(handle)) {
+        entered().insert(handle);
         return true;
+    }
     reason = file + ": neither ext_main nor main is exported";
     return false;
 }

@@ -1,12 +1,14 @@
 // The low-priority queue.
 #include "kernel/queue.h"
 
-#include <algorithm>
 #include <deque>
+#include <list>
 #include <mutex>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
+#include "kernel/console.h"
 #include "kernel/critical.h"
 #include "kernel/door.h"
 #include "kernel/trace.h"
@@ -14,11 +16,7 @@
 namespace maxhost {
 namespace {
 
-struct QueueElement {
-    void *object;
-    method task;
-    bool queued = false;
-};
+struct QueueElement;
 
 // Either a deferred call or a queue element.
 struct Entry {
@@ -29,15 +27,33 @@ struct Entry {
     QueueElement *element = nullptr;
 };
 
+using Entries = std::list<Entry>;
+
+struct QueueElement {
+    void *object;
+    method task;
+    bool queued;
+    Entries::iterator place; // while it is queued
+};
+
 struct Queue {
     std::mutex mutex;
-    std::deque<Entry> entries;
-    std::unordered_set<void *> elements; // all that are alive
+    Entries entries;
+    std::unordered_map<const void *, std::deque<Entries::iterator>> deferred; // the calls for an object, in order
+    std::unordered_set<void *> elements;                                      // all that are alive
 };
 
 Queue &queue() {
     static auto &the_queue = *new Queue;
     return the_queue;
+}
+
+// Takes the first deferred call for an object off the list of them. The queue's mutex is held.
+void forget_first(const void *object) {
+    auto found = queue().deferred.find(object);
+    found->second.pop_front();
+    if (found->second.empty())
+        queue().deferred.erase(found);
 }
 
 // Takes the first entry out; false when there is none.
@@ -49,6 +65,8 @@ bool take(Entry &entry) {
     queue().entries.pop_front();
     if (entry.element)
         entry.element->queued = false; // so that its own task can set it again
+    else
+        forget_first(entry.object);
     return true;
 }
 
@@ -65,15 +83,8 @@ void run(Entry &entry) {
 // True for a living queue element. The queue's mutex is held.
 bool is_element(void *x) { return queue().elements.contains(x); }
 
-} // namespace
-
-void drain_queue() {
-    Entry entry;
-    while (take(entry))
-        run(entry);
-}
-
-bool run_queue_once() {
+// Runs what is queued now; how much that was.
+size_t run_round() {
     size_t count;
     {
         std::lock_guard lock(queue().mutex);
@@ -82,12 +93,36 @@ bool run_queue_once() {
     Entry entry;
     for (size_t i = 0; i < count && take(entry); ++i)
         run(entry);
-    return count > 0;
+    return count;
 }
+
+// A round runs what the round before it has queued. Nothing that comes to an end takes this many.
+constexpr long most_rounds = 10'000;
+constexpr size_t most_tasks = 10'000'000;
+
+} // namespace
+
+void drain_queue() {
+    size_t tasks = 0;
+    for (long round = 0; round < most_rounds && tasks < most_tasks; ++round) {
+        const size_t count = run_round();
+        if (count == 0)
+            return;
+        tasks += count;
+    }
+    console_error(nullptr, "the queue does not become empty: something queues itself for ever");
+}
+
+bool run_queue_once() { return run_round() > 0; }
 
 void forget_deferred(const void *object) {
     std::lock_guard lock(queue().mutex);
-    std::erase_if(queue().entries, [&](const Entry &e) { return !e.element && e.object == object; });
+    auto found = queue().deferred.find(object);
+    if (found == queue().deferred.end())
+        return;
+    for (Entries::iterator place : found->second)
+        queue().entries.erase(place);
+    queue().deferred.erase(found);
 }
 
 } // namespace maxhost
@@ -103,11 +138,12 @@ void *defer_low(void *ob, method fn, t_symbol *sym, short argc, t_atom *argv) {
         entry.atoms.assign(argv, argv + argc);
     std::lock_guard lock(queue().mutex);
     queue().entries.push_back(std::move(entry));
+    queue().deferred[ob].push_back(std::prev(queue().entries.end()));
     return nullptr;
 }
 
 void *qelem_new(void *obj, method fn) {
-    auto *element = new QueueElement{obj, fn};
+    auto *element = new QueueElement{obj, fn, false, {}};
     std::lock_guard lock(queue().mutex);
     queue().elements.insert(element);
     return element;
@@ -119,8 +155,10 @@ void qelem_set(t_qelem *x) {
         std::lock_guard lock(queue().mutex);
         if (is_element(x)) {
             auto *element = static_cast<QueueElement *>(x);
-            if (!element->queued)
+            if (!element->queued) {
                 queue().entries.push_back({element->object, element->task, nullptr, {}, element});
+                element->place = std::prev(queue().entries.end());
+            }
             element->queued = true;
             return;
         }
@@ -134,7 +172,7 @@ void qelem_free(t_qelem *x) {
         if (is_element(x)) {
             auto *element = static_cast<QueueElement *>(x);
             if (element->queued)
-                std::erase_if(queue().entries, [&](const Entry &e) { return e.element == element; });
+                queue().entries.erase(element->place);
             queue().elements.erase(x);
             delete element;
             return;

@@ -6,7 +6,8 @@
 
 namespace maxhost {
 
-// Runs what is queued, and what that queues, until nothing is left. Main thread.
+// Runs what is queued, and what that queues, until nothing is left. When no end is in sight, because something queues
+// itself for ever, the console says so and the rest stays queued. Main thread.
 MAXHOST_EMBED void drain_queue();
 
 // Runs what is queued now and leaves what that queues; false when nothing was queued. Main thread.

@@ -89,29 +89,27 @@ void add_attribute(t_class *cls, const char *name, const char *type, long count,
 
 // ---- construction
 
-// The atoms under a key, or nothing.
-std::span<t_atom> entry(const t_dictionary *dictionary, const char *key) {
-    long count = 0;
-    t_atom *atoms = nullptr;
-    if (dictionary_getatoms(dictionary, gensym(key), &count, &atoms) != MAX_ERR_NONE)
-        return {};
-    return {atoms, static_cast<size_t>(count)};
-}
-
-t_symbol *symbol_entry(const t_dictionary *dictionary, const char *key) {
-    std::span<t_atom> atoms = entry(dictionary, key);
+t_symbol *symbol_under(const t_dictionary *dictionary, const char *key) {
+    std::span<const t_atom> atoms = atoms_under(dictionary, key);
     return atoms.empty() || atom_getsym(atoms.data()) == gensym("") ? nullptr : atom_getsym(atoms.data());
 }
 
+using BoxSetter = t_max_err (*)(t_jbox *, void *, long, t_atom *);
+
+// Hands the atoms under a key, if there are `least`, to an attribute's setter.
+void read_value(t_jbox *box, const t_dictionary *dictionary, const char *key, size_t least, BoxSetter set) {
+    std::span<const t_atom> found = atoms_under(dictionary, key);
+    std::vector<t_atom> atoms(found.begin(), found.end());
+    if (atoms.size() >= least)
+        set(box, nullptr, static_cast<long>(atoms.size()), atoms.data());
+}
+
 void read_dictionary(t_jbox *box, const t_dictionary *dictionary) {
-    if (std::span<t_atom> rect = entry(dictionary, "patching_rect"); rect.size() >= 4)
-        set_patching_rect(box, nullptr, 4, rect.data());
-    if (std::span<t_atom> name = entry(dictionary, "fontname"); !name.empty())
-        set_fontname(box, nullptr, 1, name.data());
-    if (std::span<t_atom> size = entry(dictionary, "fontsize"); !size.empty())
-        set_fontsize(box, nullptr, 1, size.data());
-    box->b_name = symbol_entry(dictionary, "varname");
-    box->b_id = symbol_entry(dictionary, "id");
+    read_value(box, dictionary, "patching_rect", 4, set_patching_rect);
+    read_value(box, dictionary, "fontname", 1, set_fontname);
+    read_value(box, dictionary, "fontsize", 1, set_fontsize);
+    box->b_name = symbol_under(dictionary, "varname");
+    box->b_id = symbol_under(dictionary, "id");
 }
 
 } // namespace
@@ -144,13 +142,13 @@ t_max_err jbox_new(t_jbox *b, long, long argc, t_atom *argv) {
     Record *record = expect_object(b, "jbox_new");
     if (!record || !at_door(record->cls->is_box && !b->obex, "jbox_new", "not a box class, or called twice"))
         return MAX_ERR_INVALID_PTR;
-    b->obex = new BoxState{gensym(default_font), default_font_size, {}};
+    b->obex = new BoxState{gensym(default_font), default_font_size, {}, nullptr, {}, {}};
     if (const t_dictionary *dictionary = object_dictionaryarg(argc, argv))
         read_dictionary(b, dictionary);
     record->name = b->b_name ? b->b_name : b->b_id;
     if (auto *patcher = as<Patcher>(gensym("#P")->s_thing)) {
         b->b_patcher = patcher;
-        patcher->boxes.push_back(b);
+        state_of(b).place = enter_box(*patcher, b);
     }
     return MAX_ERR_NONE;
 }
@@ -166,14 +164,11 @@ void jbox_free(t_jbox *b) {
     record_of(b)->ready = false;
     for (DataView *view : state_of(b).views)
         view->client = nullptr;
+    cut_cords(&b->b_ob);
+    if (auto *patcher = as<Patcher>(b->b_patcher))
+        leave_patcher(*patcher, b, state_of(b).place);
     delete &state_of(b);
     b->obex = nullptr;
-    auto *patcher = as<Patcher>(b->b_patcher);
-    if (!patcher)
-        return;
-    std::erase(patcher->boxes, b);
-    for (t_jbox *other : patcher->boxes)
-        disconnect(&other->b_ob, &b->b_ob);
 }
 
 t_max_err jbox_notify(t_jbox *b, t_symbol *, t_symbol *, void *, void *) {
@@ -188,12 +183,12 @@ void jbox_redraw(t_jbox *b) {
 
 t_symbol *jbox_get_fontname(t_object *b) {
     t_jbox *box = expect_box(b, "jbox_get_fontname");
-    return box ? state_of(box).font_name : gensym(default_font);
+    return box ? state_of(box).font_name.load() : gensym(default_font);
 }
 
 double jbox_get_fontsize(t_object *b) {
     t_jbox *box = expect_box(b, "jbox_get_fontsize");
-    return box ? state_of(box).font_size : default_font_size;
+    return box ? state_of(box).font_size.load() : default_font_size;
 }
 
 t_max_err jbox_set_fontname(t_object *b, t_symbol *ps) {

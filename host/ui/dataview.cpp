@@ -33,9 +33,8 @@ void ask_repaint(const DataView &view) {
         front_end().repaint(view.client);
 }
 
-// The row at a position, or null.
-t_rowref row_at(DataView &view, long position) {
-    std::lock_guard lock(view.mutex);
+// The row at a position, or null. The mutex is held.
+t_rowref row_at(const DataView &view, long position) {
     return position >= 1 && position <= static_cast<long>(view.rows.size())
                ? view.rows[static_cast<size_t>(position) - 1]
                : nullptr;
@@ -79,11 +78,12 @@ ViewState view_state(DataView &view) {
 }
 
 bool select_as_person(DataView &view, long position) {
-    const t_rowref row = row_at(view, position);
-    if (!row)
-        return false;
+    t_rowref row;
     {
         std::lock_guard lock(view.mutex);
+        row = row_at(view, position);
+        if (!row)
+            return false;
         view.selected = position;
     }
     ask_repaint(view);
@@ -93,7 +93,15 @@ bool select_as_person(DataView &view, long position) {
 }
 
 DrawList paint_row(DataView &view, PatcherView &patcher_view, long position) {
-    const t_rowref row = row_at(view, position);
+    t_rowref row;
+    long height;
+    bool selected;
+    {
+        std::lock_guard lock(view.mutex);
+        row = row_at(view, position);
+        height = view.row_height;
+        selected = position == view.selected;
+    }
     if (!row || !view.client)
         return {};
     t_jgraphics context;
@@ -101,7 +109,7 @@ DrawList paint_row(DataView &view, PatcherView &patcher_view, long position) {
     for (const Column *column : view.columns)
         if (column->custom_paint)
             object_method(view.client, column->custom_paint, &patcher_view, column->name, row, width_of(*column),
-                          view.row_height, position == view_state(view).selected);
+                          height, selected);
     patcher_view.context = nullptr;
     return std::move(context.drawn);
 }
@@ -151,7 +159,10 @@ void jdataview_setheight(t_object *dv, long height) {
     DataView *view = expect_view(dv, "jdataview_setheight");
     if (!view)
         return;
-    view->row_height = std::clamp(height, 1L, 10000L);
+    {
+        std::lock_guard lock(view->mutex);
+        view->row_height = std::clamp(height, 1L, 10000L);
+    }
     ask_repaint(*view);
 }
 
@@ -178,7 +189,10 @@ void jdataview_setfontname(t_object *dv, t_symbol *fontname) {
     DataView *view = expect_view(dv, "jdataview_setfontname");
     if (!view || !at_door(fontname, "jdataview_setfontname", "no name"))
         return;
-    view->font_name = fontname;
+    {
+        std::lock_guard lock(view->mutex);
+        view->font_name = fontname;
+    }
     ask_repaint(*view);
 }
 
@@ -187,7 +201,10 @@ void jdataview_setfontsize(t_object *dv, double fsize) {
     DataView *view = expect_view(dv, "jdataview_setfontsize");
     if (!view)
         return;
-    view->font_size = fsize;
+    {
+        std::lock_guard lock(view->mutex);
+        view->font_size = fsize;
+    }
     ask_repaint(*view);
 }
 

@@ -24,7 +24,7 @@ struct Column : t_jcolumn {
 };
 
 struct DataView : t_object {
-    // Rows and selection change on both threads; `mutex` is never held over a call to the client.
+    // Rows, selection, row height and font change on both threads; `mutex` is never held over a call to the client.
     std::mutex mutex;
     std::vector<t_rowref> rows;
     long selected = 0; // position, 1-based; 0: none

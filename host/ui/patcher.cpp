@@ -8,7 +8,9 @@
 #include "kernel/attributes.h"
 #include "kernel/dictionary.h"
 #include "kernel/objects.h"
+#include "kernel/outlets.h"
 #include "kernel/trace.h"
+#include "ui/box.h"
 
 namespace maxhost {
 namespace {
@@ -28,19 +30,27 @@ class Binding {
     t_object *before_;
 };
 
-void set_symbol(t_dictionary *dictionary, const char *key, t_symbol *value) {
-    t_atom atom;
-    atom_setsym(&atom, value);
-    dictionary_appendatoms(dictionary, gensym(key), 1, &atom);
+void forget_name(BoxesByName &boxes, t_symbol *name, const t_jbox *box) {
+    auto found = boxes.find(name);
+    if (found == boxes.end())
+        return;
+    std::erase(found->second, box);
+    if (found->second.empty())
+        boxes.erase(found);
 }
 
-// A new id that no box of the patcher has.
-t_symbol *new_id(Patcher &patcher) {
-    t_symbol *id;
-    do
-        id = gensym(("obj-" + std::to_string(++patcher.newest_id)).c_str());
-    while (find_box(patcher, id));
-    return id;
+t_object *first_of(const BoxesByName &boxes, t_symbol *name) {
+    auto found = boxes.find(name);
+    return found == boxes.end() ? nullptr : &found->second.front()->b_ob;
+}
+
+// The box that "a::b" names.
+t_object *find_inner_box(const Patcher &patcher, const std::string &path) {
+    const size_t colons = path.find("::");
+    if (colons == path.npos)
+        return nullptr;
+    const BoxState *outer = box_state(find_box(patcher, gensym(path.substr(0, colons).c_str())));
+    return outer && outer->inner ? find_box(*outer->inner, gensym(path.c_str() + colons + 2)) : nullptr;
 }
 
 } // namespace
@@ -55,32 +65,59 @@ Class *PatcherView::host_class() {
     return cls;
 }
 
-t_object *make_box(Patcher &patcher, t_symbol *class_name, t_dictionary *dictionary) {
-    Class *cls = find_class(CLASS_BOX, class_name);
-    if (!cls || !cls->construct)
+t_object *make_box(Patcher &patcher, const Class &cls, t_dictionary *dictionary, std::span<const t_atom> arguments) {
+    if (!cls.construct)
         return nullptr;
     if (!dictionary->index.contains(gensym("id")))
-        set_symbol(dictionary, "id", new_id(patcher));
-    add_defaults(*cls, dictionary);
+        set_new_id(patcher, dictionary);
+    add_defaults(cls, dictionary);
     const Binding patcher_being_filled(gensym("#P"), &patcher);
-    t_atom argument;
-    atom_setobj(&argument, dictionary);
+    std::vector<t_atom> atoms(1);
+    atom_setobj(&atoms[0], dictionary);
+    atoms.insert(atoms.end(), arguments.begin(), arguments.end());
     using Constructor = t_object *(*)(t_symbol *, long, t_atom *);
-    t_object *box = reinterpret_cast<Constructor>(cls->construct)(class_name, 1, &argument);
+    t_object *box =
+        reinterpret_cast<Constructor>(cls.construct)(cls.name, static_cast<long>(atoms.size()), atoms.data());
     if (box)
         for (PatcherView *view : patcher.views)
             object_method(box, gensym("newpatcherview"), view);
     return box;
 }
 
+void set_new_id(Patcher &patcher, t_dictionary *dictionary) {
+    t_symbol *id;
+    do
+        id = gensym(("obj-" + std::to_string(++patcher.newest_id)).c_str());
+    while (find_box(patcher, id));
+    t_atom atom;
+    atom_setsym(&atom, id);
+    dictionary_appendatoms(dictionary, gensym("id"), 1, &atom);
+}
+
 t_object *find_box(const Patcher &patcher, t_symbol *name) {
-    for (t_jbox *box : patcher.boxes)
-        if (box->b_name == name)
-            return &box->b_ob;
-    for (t_jbox *box : patcher.boxes)
-        if (!box->b_name && box->b_id == name)
-            return &box->b_ob;
-    return nullptr;
+    if (t_object *named = first_of(patcher.by_name, name))
+        return named;
+    t_object *numbered = first_of(patcher.by_id, name);
+    return numbered ? numbered : find_inner_box(patcher, name->s_name);
+}
+
+std::list<t_jbox *>::iterator enter_box(Patcher &patcher, t_jbox *box) {
+    if (box->b_name)
+        patcher.by_name[box->b_name].push_back(box);
+    if (box->b_id)
+        patcher.by_id[box->b_id].push_back(box);
+    return patcher.boxes.insert(patcher.boxes.end(), box);
+}
+
+void leave_patcher(Patcher &patcher, t_jbox *box, std::list<t_jbox *>::iterator place) {
+    forget_name(patcher.by_name, box->b_name, box);
+    forget_name(patcher.by_id, box->b_id, box);
+    patcher.boxes.erase(place);
+}
+
+Patcher &outermost(Patcher &patcher) {
+    Patcher *around = patcher.owner ? as<Patcher>(patcher.owner->b_patcher) : nullptr;
+    return around ? outermost(*around) : patcher;
 }
 
 PatcherView *open_view(Patcher &patcher) {
@@ -102,6 +139,8 @@ void close_view(PatcherView *view) {
 void close_patcher(Patcher *patcher) {
     while (!patcher->views.empty())
         close_view(patcher->views.back());
+    for (t_jbox *box : patcher->boxes) // at once, before they go one after the other
+        forget_cords(&box->b_ob);
     while (!patcher->boxes.empty())
         object_free(patcher->boxes.back());
     object_free(patcher);
@@ -116,7 +155,7 @@ t_max_err jpatcher_set_dirty(t_object *p, char c) {
     auto *patcher = expect<Patcher>(p, "jpatcher_set_dirty");
     if (!patcher)
         return MAX_ERR_INVALID_PTR;
-    patcher->dirty = c != 0;
+    outermost(*patcher).dirty = c != 0;
     return MAX_ERR_NONE;
 }
 

@@ -2,6 +2,10 @@
 #pragma once
 
 #include <atomic>
+#include <list>
+#include <memory>
+#include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "jgraphics.h"
@@ -12,11 +16,23 @@ namespace maxhost {
 
 struct PatcherView;
 
+struct PatcherDocument;
+
+struct DocumentReleaser {
+    void operator()(PatcherDocument *document) const;
+};
+
+using BoxesByName = std::unordered_map<t_symbol *, std::vector<t_jbox *>>;
+
 struct Patcher : t_object {
-    std::vector<t_jbox *> boxes;      // in order of creation
-    std::vector<PatcherView *> views; // that are open
-    long newest_id = 0;               // of "obj-N"
-    std::atomic<bool> dirty{false};
+    std::list<t_jbox *> boxes; // in order of creation
+    BoxesByName by_name;       // scripting names
+    BoxesByName by_id;
+    std::vector<PatcherView *> views;                            // that are open
+    t_jbox *owner = nullptr;                                     // the box that this patcher is in
+    long newest_id = 0;                                          // of "obj-N"
+    std::atomic<bool> dirty{false};                              // of a patcher that is in no box
+    std::unique_ptr<PatcherDocument, DocumentReleaser> document; // what a file said of the patcher
 
     static Class *host_class();
     static constexpr const char *kind_name = "patcher";
@@ -30,12 +46,22 @@ struct PatcherView : t_object {
     static constexpr const char *kind_name = "patcher view";
 };
 
-// Makes a box of a class of the name space "box" in a patcher, from its dictionary, to which the declared defaults and
-// an "id" are added. Null when there is no such class, or its constructor makes none.
-t_object *make_box(Patcher &patcher, t_symbol *class_name, t_dictionary *dictionary);
+// Makes a box in a patcher, from its dictionary, to which the declared defaults and an "id" are added. The constructor
+// is called with the dictionary and, behind it, the arguments. Null when it makes none.
+t_object *make_box(Patcher &patcher, const Class &cls, t_dictionary *dictionary, std::span<const t_atom> arguments);
 
-// The box of that scripting name or id.
+// Puts an id that no box of the patcher has into a dictionary, in place of the one that is there.
+void set_new_id(Patcher &patcher, t_dictionary *dictionary);
+
+// The box of that scripting name or, when there is none, that id. "a::b" is the box b in the patcher that is in box a.
 t_object *find_box(const Patcher &patcher, t_symbol *name);
+
+// Puts a box among those of a patcher, under its name and id; and takes it out.
+std::list<t_jbox *>::iterator enter_box(Patcher &patcher, t_jbox *box);
+void leave_patcher(Patcher &patcher, t_jbox *box, std::list<t_jbox *>::iterator place);
+
+// The patcher that is in no box, around this one.
+Patcher &outermost(Patcher &patcher);
 
 // Opens and closes a view, and tells the boxes.
 PatcherView *open_view(Patcher &patcher);

@@ -1,0 +1,117 @@
+// Clocks.
+#include "kernel/clocks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+#include <set>
+
+#include "ext_proto.h"
+#include "kernel/critical.h"
+#include "kernel/objects.h"
+
+namespace maxhost {
+namespace {
+
+// From a millisecond, so that time goes on, to a month.
+constexpr double shortest_delay = 1;
+constexpr double longest_delay = 1e3 * 3600 * 24 * 31;
+
+struct Sooner {
+    bool operator()(const Clock *a, const Clock *b) const {
+        return a->due != b->due ? a->due < b->due : a->turn < b->turn;
+    }
+};
+
+struct Timetable {
+    std::mutex mutex; // never held while a task runs
+    double now = 0;
+    long turns = 0;
+    std::set<Clock *, Sooner> due;
+};
+
+Timetable &timetable() {
+    static auto &the_timetable = *new Timetable;
+    return the_timetable;
+}
+
+// Takes a clock out of the timetable, whose mutex is held.
+void stop(Clock &clock) {
+    if (clock.set)
+        timetable().due.erase(&clock);
+    clock.set = false;
+}
+
+// Takes the next clock that is due before or at `until` out, and lets the time be its own; null when there is none.
+Clock *take_next(double until) {
+    Timetable &times = timetable();
+    std::lock_guard lock(times.mutex);
+    if (times.due.empty() || (*times.due.begin())->due > until) {
+        times.now = std::max(times.now, until);
+        return nullptr;
+    }
+    Clock *next = *times.due.begin();
+    stop(*next);
+    times.now = next->due;
+    return next;
+}
+
+} // namespace
+
+Class *Clock::host_class() {
+    static Class *const cls = new_host_class("clock", true);
+    return cls;
+}
+
+Clock::~Clock() {
+    std::lock_guard lock(timetable().mutex);
+    stop(*this);
+}
+
+double clock_time() {
+    std::lock_guard lock(timetable().mutex);
+    return timetable().now;
+}
+
+bool run_next_clock(double until) {
+    const Clock *next = take_next(until);
+    if (!next)
+        return false;
+    using Task = void (*)(void *);
+    reinterpret_cast<Task>(next->task)(next->object);
+    expect_no_region("a clock's task");
+    return true;
+}
+
+} // namespace maxhost
+
+using namespace maxhost;
+
+void *clock_new(void *obj, method fn) {
+    if (!at_door(obj && fn, "clock_new", "no object or no function"))
+        return nullptr;
+    auto *clock = create<Clock>();
+    clock->object = obj;
+    clock->task = fn;
+    return clock;
+}
+
+void clock_fdelay(void *x, double f) {
+    auto *clock = expect<Clock>(x, "clock_fdelay");
+    if (!clock)
+        return;
+    std::lock_guard lock(timetable().mutex);
+    stop(*clock);
+    clock->due = timetable().now + (std::isnan(f) ? shortest_delay : std::clamp(f, shortest_delay, longest_delay));
+    clock->turn = ++timetable().turns;
+    clock->set = true;
+    timetable().due.insert(clock);
+}
+
+void clock_unset(void *x) {
+    auto *clock = expect<Clock>(x, "clock_unset");
+    if (!clock)
+        return;
+    std::lock_guard lock(timetable().mutex);
+    stop(*clock);
+}

@@ -1,0 +1,118 @@
+// The text field, in which a person enters a text: it goes out behind the word "text".
+#include <string>
+
+#include "ext_obex_util.h"
+#include "kernel/atomtext.h"
+#include "ui/boxes/boxes.h"
+#include "ui/boxes/hostbox.h"
+
+namespace maxhost {
+namespace {
+
+struct TextFieldParts {
+    BoxText text;
+    long one_symbol = 0; // "outputmode": the text goes out as one symbol, not as words
+    void *outlet = nullptr;
+};
+using TextField = HostBox<TextFieldParts>;
+
+t_class *textfield_class;
+
+// The text of atoms, as it is read: without the quotes that a message would need.
+std::string shown_text(std::span<const t_atom> atoms) {
+    std::string text;
+    for (const t_atom &atom : atoms)
+        text.append(text.empty() ? "" : " ")
+            .append(atom_gettype(&atom) == A_SYM ? atom_getsym(&atom)->s_name : print_atom(atom));
+    return text;
+}
+
+void textfield_bang(TextField *x) {
+    std::vector<t_atom> atoms{symbol_atom(gensym("text"))};
+    {
+        const HeldRegion hold;
+        if (x->parts->one_symbol)
+            atoms.push_back(symbol_atom(gensym(x->parts->text.shown.c_str())));
+        else
+            for (const t_atom &atom : parse_atoms(x->parts->text.shown))
+                atoms.push_back(atom);
+    }
+    send_atoms(x->parts->outlet, atoms);
+}
+
+void textfield_set(TextField *x, t_symbol *, long argc, t_atom *argv) {
+    const HeldRegion hold;
+    change_text(x->parts->text, shown_text({argv, static_cast<size_t>(argc)}));
+}
+
+void textfield_append(TextField *x, t_symbol *, long argc, t_atom *argv) {
+    const HeldRegion hold;
+    const std::string &before = x->parts->text.shown;
+    change_text(x->parts->text, before + (before.empty() ? "" : " ") + shown_text({argv, static_cast<size_t>(argc)}));
+}
+
+void textfield_clear(TextField *x) {
+    const HeldRegion hold;
+    change_text(x->parts->text, "");
+}
+
+// Any other message is a text that is entered.
+void textfield_anything(TextField *x, t_symbol *selector, long argc, t_atom *argv) {
+    std::vector<t_atom> atoms;
+    append_message(atoms, {selector, {argv, static_cast<size_t>(argc)}});
+    textfield_set(x, selector, static_cast<long>(atoms.size()), atoms.data());
+    textfield_bang(x);
+}
+
+void textfield_save(TextField *x, t_dictionary *dictionary) {
+    const HeldRegion hold;
+    save_text(dictionary, x->parts->text);
+}
+
+void textfield_assist(TextField *, void *, long kind, long index, char *text) {
+    assist_with(text, kind, index, {"Text to enter, bang to send"}, {"The word text and what was entered"});
+}
+
+t_max_err get_outputmode(TextField *x, void *, long *ac, t_atom **av) {
+    char allocated;
+    const t_max_err result = atom_alloc(ac, av, &allocated);
+    return result ? result : atom_setlong(*av, x->parts->one_symbol);
+}
+
+t_max_err set_outputmode(TextField *x, void *, long ac, t_atom *av) {
+    if (ac < 1)
+        return MAX_ERR_GENERIC;
+    const HeldRegion hold;
+    x->parts->one_symbol = atom_getlong(av) != 0;
+    return MAX_ERR_NONE;
+}
+
+void *textfield_new(t_symbol *, long argc, t_atom *argv) {
+    auto *x = begin_box<TextFieldParts>(textfield_class, argc, argv);
+    if (!x)
+        return nullptr;
+    x->parts->text = read_text(object_dictionaryarg(argc, argv));
+    x->parts->outlet = outlet_new(x, nullptr);
+    return finish_box(x, argc, argv);
+}
+
+} // namespace
+
+void register_textfield() {
+    textfield_class = new_box_class<TextFieldParts>("textfield", textfield_new, BoxKind::shown);
+    class_addmethod(textfield_class, reinterpret_cast<method>(textfield_bang), "bang", 0);
+    add_method(textfield_class, textfield_set, "set");
+    add_method(textfield_class, textfield_append, "append");
+    class_addmethod(textfield_class, reinterpret_cast<method>(textfield_clear), "clear", 0);
+    add_method(textfield_class, textfield_anything, "anything");
+    add_private(textfield_class, textfield_save, "jsave");
+    add_private(textfield_class, textfield_assist, "assist");
+    class_addattr(textfield_class, attr_offset_new("outputmode", gensym("long"), ATTR_FLAGS_NONE,
+                                                   reinterpret_cast<method>(get_outputmode),
+                                                   reinterpret_cast<method>(set_outputmode), 0));
+    class_attr_addattr_parse(textfield_class, "outputmode", "save", gensym("long"), 0, "1");
+    class_register(CLASS_BOX, textfield_class);
+    alias(const_cast<char *>("textedit"));
+}
+
+} // namespace maxhost

@@ -1,0 +1,16 @@
+max v2;
+#N vpatcher 50 60 450 360;
+#P window setfont "Sans Serif" 9.;
+#P user vrk.tessaroll 10 20 200 100 30 16;
+#X restore 9 4;
+#X restoreitem First\ line;
+#X restoreitems second "third one" a\,b;
+#X done;
+#P user umenu 10 200 100 196647 1 64 80 0;
+#P message 10 150 80 196617 append \$1 \, bang;
+#P number 100 150 35 9 0 0 0 3 0 0 0 221 221 221 222 222 222 0 0 0;
+#P newex 10 250 60 196617 print out;
+#P connect 1 0 2 0;
+#P fasten 2 0 4 0 15 180 15 190;
+#P connect 4 2 0 0;
+#P pop;
