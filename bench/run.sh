@@ -6,14 +6,12 @@ cd "$(dirname "$0")/.."
 source scripts/install-packages.sh
 source scripts/build.sh
 install_packages "${build_packages[@]}" libbenchmark-dev libpugixml-dev xmlstarlet libxml2-utils python3-lxml
-build_preset release
-cmake -B build/release -DVRK_BENCH=ON >/dev/null
-build_preset release vrk-bench
+build_preset bench
 
 {
   echo "# Benchmarks"
   echo
   echo "$(date +%F), $(nproc) cores of $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1), $(. /etc/os-release; echo "$PRETTY_NAME"), release build. Medians of one run; a ratio compares two times of that run."
   echo
-  build/release/bin/vrk-bench --benchmark_min_time=0.2
+  build/bench/bin/vrk-bench --benchmark_min_time=0.2
 } | tee bench/RESULTS.md

@@ -4,9 +4,7 @@ build_preset() {
   shift
   mkdir -p build
   local log=build/$preset.log
-  if [ ! -f "build/$preset/build.ninja" ]; then
-    cmake --preset "$preset" >"$log" 2>&1 || { cat "$log"; return 1; }
-  fi
+  cmake --preset "$preset" >"$log" 2>&1 || { cat "$log"; return 1; }
   echo "building $preset"
   cmake --build --preset "$preset" ${1:+--target "$@"} >"$log" 2>&1 || { cat "$log"; return 1; }
 }
