@@ -165,7 +165,7 @@ TEST_F(TessarollTest, TheClassIsABoxMadeFromADictionary) {
     EXPECT_EQ(cls.name, gensym("vrk.tessaroll"));
     EXPECT_EQ(cls.name_space, gensym("box"));
     EXPECT_TRUE(cls.is_box);
-    EXPECT_NE(cls.c_flags & CLASS_FLAG_NEWDICTIONARY, 0);
+    EXPECT_EQ(cls.c_flags, CLASS_FLAG_NEWDICTIONARY);
 }
 
 TEST_F(TessarollTest, AnAliasNamesTheSameClass) {
