@@ -662,21 +662,11 @@ static bool choose_file(const t_jlist *list, short argc, const t_atom *argv, fil
     return true;
 }
 
-// A document with the root and the group of the holder, which takes it over.
+// Gives a holder a fresh document to write to.
 static bool make_document(t_jxmlfile *holder) {
-    xml_doc doc(xmlNewDoc(BAD_CAST "1.0"));
-    xml_node root(xmlNewNode(nullptr, BAD_CAST holder->root->s_name));
-    if (!doc || !root)
-        return false;
-    xmlDocSetRootElement(doc.get(), root.get());
-    if (xmlDocGetRootElement(doc.get()) != root.get())
-        return false;
-    const xmlNodePtr top = root.release();
-    if (!xmlNewChild(top, nullptr, BAD_CAST holder->xmlpath[0]->s_name, BAD_CAST ""))
-        return false;
-    holder->doc = doc.release();
-    holder->loaded = 1;
-    return true;
+    holder->doc = jxmlfile_make_document(holder).release();
+    holder->loaded = holder->doc ? 1 : 0;
+    return holder->doc;
 }
 
 // The rows as they are at one moment, so that the region is not held while they are written.

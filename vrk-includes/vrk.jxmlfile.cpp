@@ -23,9 +23,11 @@
 
 #include "vrk.pathname.h"
 
-// Blanks between elements are dropped. The other options keep libxml2 quiet and off the network; entities are neither
-// replaced nor loaded.
-constexpr int PARSE_OPTIONS = XML_PARSE_NOBLANKS | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
+// Blanks between elements are dropped, and texts of a few bytes stand in their nodes: nothing here writes into the
+// content of a node, which then is no block of its own. The other options keep libxml2 quiet and off the network;
+// entities are neither replaced nor loaded.
+constexpr int PARSE_OPTIONS =
+    XML_PARSE_NOBLANKS | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
 
 constexpr size_t EXPANSION_LIMIT = 10'000'000; // bytes that all entity references of a document may expand to
 constexpr int ENTITY_NESTING_LIMIT = 64;       // libxml2 refuses entities that are nested deeper than 40
@@ -59,10 +61,12 @@ struct bounded_text {
 
 // Appends as much as fits, in whole UTF-8 characters.
 static void append(bounded_text *to, const char *piece) {
-    const size_t wanted = to->fits ? std::strlen(piece) : 0;
+    if (!to->fits)
+        return;
+    const size_t wanted = std::strlen(piece);
     size_t taken = std::min(wanted, to->size - 1 - to->length);
-    to->fits = to->fits && taken == wanted;
-    if (taken < wanted)
+    to->fits = taken == wanted;
+    if (!to->fits)
         while (taken > 0 && (piece[taken] & 0xC0) == 0x80)
             --taken;
     std::memcpy(to->text + to->length, piece, taken);
@@ -498,15 +502,18 @@ short jxmlfile_load(t_jxmlfile *holder, const char *filename, short path_id) {
     return 1;
 }
 
-// A document of two elements; null when memory runs out.
-static xml_doc new_document(const char *root_name, const char *group_name) {
+xml_doc jxmlfile_make_document(const t_jxmlfile *holder) {
     const quiet_libxml quiet;
     xml_doc document(xmlNewDoc(as_xml("1.0")));
-    xml_node root(document ? xmlNewNode(nullptr, as_xml(root_name)) : nullptr);
-    if (!root || !xmlNewChild(root.get(), nullptr, as_xml(group_name), as_xml("")))
+    if (!document)
         return nullptr;
-    xmlDocSetRootElement(document.get(), root.release());
-    return document;
+    document->dict = xmlDictCreate(); // holds each name once, as in a document that was parsed; it may be missing
+    xmlNodePtr root = xmlNewDocNode(document.get(), nullptr, as_xml(holder->root->s_name), nullptr);
+    if (!root)
+        return nullptr;
+    xmlDocSetRootElement(document.get(), root);
+    const bool has_group = xmlNewChild(root, nullptr, as_xml(holder->xmlpath[0]->s_name), nullptr);
+    return has_group ? std::move(document) : nullptr;
 }
 
 static bool set_write_path(t_jxmlfile *holder, t_symbol *pathname) {
@@ -525,7 +532,7 @@ void jxmlfile_newdoc(t_jxmlfile *holder, t_symbol *pathname) {
             object_error(holder->owner, "\"%s\" cannot name an element", name->s_name);
             return;
         }
-    xml_doc document = new_document(holder->root->s_name, holder->xmlpath[0]->s_name);
+    xml_doc document = jxmlfile_make_document(holder);
     if (!document) {
         out_of_memory(holder);
         return;
@@ -594,14 +601,17 @@ static void append_filter(bounded_text *expression, long *argc, t_atom **argv) {
 static bool append_expression(long *argc, t_atom **argv, char *buffer) {
     bounded_text expression = {buffer, JXMLFILE_EXPRESSION_SIZE, strnlen(buffer, JXMLFILE_EXPRESSION_SIZE - 1), true};
     char number[NUMBER_SIZE];
+    const t_symbol *attr = keywords().attr;
     while (*argc > 0) {
         const t_atom *atom = take_atom(argc, argv);
-        if (atom_getsym(atom) == keywords().attr) {
+        const long type = atom_gettype(atom);
+        const t_symbol *word = type == A_SYM ? atom_getsym(atom) : nullptr;
+        if (word == attr) {
             append_filter(&expression, argc, argv);
-        } else if (atom_gettype(atom) == A_SYM) {
+        } else if (word) {
             append(&expression, '/');
-            append(&expression, atom_getsym(atom)->s_name);
-        } else if (atom_gettype(atom) == A_LONG) {
+            append(&expression, word->s_name);
+        } else if (type == A_LONG) {
             append(&expression, '[');
             append(&expression, number_text(atom, number));
             append(&expression, ']');
@@ -771,6 +781,8 @@ static bool drop_position(char *name) {
 // Whether an element may be made under that name. A position is meant to stay part of the name ("resource[3]"): such
 // an element lives in memory only, as no file that holds it can be read again.
 static bool is_element_name(const char *name) {
+    if (is_plain_name(name)) // nearly always
+        return true;
     char base[STEP_SIZE];
     strncpy_zero(base, name, sizeof base);
     while (drop_position(base)) {
@@ -1174,7 +1186,8 @@ static long store_cdata(t_jxmlfile *holder, xmlNodePtr element, const byte_buffe
 
 // The index of the atom that ends the path, "text" or "cdata"; argc when there is none.
 static long find_keyword(long argc, const t_atom *argv) {
-    const auto is_keyword = [](const t_symbol *word) { return word == keywords().text || word == keywords().cdata; };
+    const keyword_symbols &words = keywords();
+    const auto is_keyword = [&words](const t_symbol *word) { return word == words.text || word == words.cdata; };
     long i = 0;
     while (i < argc && !is_keyword(atom_getsym(argv + i)))
         ++i;

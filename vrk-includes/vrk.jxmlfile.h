@@ -68,6 +68,9 @@ void jxmlfile_doread(t_jxmlfile *holder);
 // holder is then as before.
 short jxmlfile_load(t_jxmlfile *holder, const char *filename, short path_id);
 
+// A fresh document of its own: the holder's root element with an empty group element in it. Null when memory runs out.
+xml_doc jxmlfile_make_document(const t_jxmlfile *holder);
+
 // A fresh document, the root element with an empty group element in it, written at once to `pathname`. `loaded` is
 // left as it was. A name that no element can have is refused with a console line, and nothing changes.
 void jxmlfile_newdoc(t_jxmlfile *holder, t_symbol *pathname);
