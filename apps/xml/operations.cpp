@@ -62,7 +62,7 @@ void write_bytes(const std::string &file, std::span<const char> bytes) {
 
 // Text as it is, numbers as they are typed, several with blanks between; a block of bytes in hexadecimal, or into the
 // file that was asked for.
-std::string shown(std::vector<t_atom> &values, const std::string &out) {
+std::string shown(const std::vector<t_atom> &values, const std::string &out) {
     if (values.size() == 1 && atom_gettype(values.data()) == A_OBJ) {
         const host_block<char> block(static_cast<char *>(atom_getobj(values.data())));
         const std::span<const char> bytes(block.get(), sysmem_ptrsize(block.get()));
@@ -285,16 +285,17 @@ std::string list(Document &document, const Operation &operation) {
     attempt([&] { return jxmlresfile_count_resource(document.holder(), type, &counted, 1); }, "list: refused");
     t_symbol *kind = gensym(operation.as.c_str());
     std::string lines;
+    lines.reserve(32 * static_cast<size_t>(counted));
     for (long number = 0; number < counted; ++number) {
-        std::vector<t_atom> values(1);
-        t_atom *value = values.data();
+        t_atom found;
+        t_atom *value = &found;
         short count = 1;
         attempt([&] { return jxmlresfile_get_resource(document.holder(), type, number, kind, &count, &value, 1); },
                 "list: refused");
         if (atom_gettype(value) == A_SYM) // nearly always, and there may be very many
             lines.append(atom_getsym(value)->s_name).append("\n");
         else
-            lines += shown(values, "");
+            lines += shown({found}, "");
     }
     return lines;
 }
