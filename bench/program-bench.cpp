@@ -31,7 +31,7 @@ const std::vector<Tool> tools{
     {"xmlstarlet", {"xmlstarlet", "sel", "-t", "-m", "//string", "-s", "A:N:-", "@number", "-v", ".", "-n"}},
     {"xmllint --xpath", {"xmllint", "--xpath", "/resourcefile/resource/string/text()"}},
     {"python3-lxml",
-     {"python3", "-c",
+     {"/usr/bin/python3", "-c", // of Debian, as its lxml
       "import sys, lxml.etree as e\n"
       "found = e.parse(sys.argv[1]).iterfind('resource/string')\n"
       "print('\\n'.join(x.text for x in sorted(found, key=lambda x: int(x.get('number')))))"}},
