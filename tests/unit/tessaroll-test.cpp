@@ -640,6 +640,18 @@ TEST_F(TessarollTest, CellsArePaintedByTheBox) {
     EXPECT_EQ(painted_row(box, 1).size(), 1u);
 }
 
+TEST_F(TessarollTest, PaintingTakesNoMemoryOfTheHost) {
+    t_object *box = make_with({"one", "two", "three"});
+    const MemoryInUse before = memory_in_use();
+    fail_nth_allocation(1);
+    for (long row = 1; row <= 3; ++row)
+        EXPECT_EQ(painted_row(box, row).at(0).kind, DrawRecord::Kind::text) << row;
+    EXPECT_EQ(sysmem_newptr(1), nullptr) << "the next allocation is the first one";
+    const MemoryInUse after = memory_in_use();
+    EXPECT_EQ(after.blocks, before.blocks);
+    EXPECT_EQ(after.objects, before.objects);
+}
+
 // ---- saving
 
 TEST_F(TessarollTest, SavedItemsComeBackWithTheLastOneCurrent) {
