@@ -9,5 +9,5 @@ source scripts/build.sh
 install_packages "${build_packages[@]}" libgtest-dev
 build_preset dev
 ctest --preset dev
-build_preset tsan thread-tests
+build_preset tsan thread-tests soak-tests
 ctest --preset tsan

@@ -102,4 +102,4 @@ void tessaroll_restore(t_tessaroll *box, t_atom_long size, t_atom_long font_numb
     jbox_redraw(&box->box);
 }
 
-void tessaroll_done(t_tessaroll *) { bindMeBaby->s_thing = nullptr; }
+void tessaroll_done(t_tessaroll *) { tessaroll_bind(nullptr); }

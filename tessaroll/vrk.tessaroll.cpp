@@ -1,5 +1,6 @@
 // The class of the list box: entry functions, method and attribute tables, the life of a box, old argument lists.
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <limits>
 
@@ -184,11 +185,20 @@ C74_EXPORT int main(void) {
 
 // ---- the life of a box
 
+// What "#X" is bound to, read and written whole.
+static std::atomic<t_object *> &bound_box() {
+    static_assert(sizeof(std::atomic<t_object *>) == sizeof(t_object *) &&
+                  std::atomic<t_object *>::is_always_lock_free);
+    return reinterpret_cast<std::atomic<t_object *> &>(bindMeBaby->s_thing);
+}
+
+void tessaroll_bind(t_object *box) { bound_box() = box; }
+
 // The parts that are the box's own. A box works without a document holder: it only cannot read.
 static bool make_parts(t_tessaroll *box) {
     t_object *owner = (t_object *)box;
     box->xmlfile = jxmlfile_new(owner);
-    bindMeBaby->s_thing = owner;
+    tessaroll_bind(owner);
     box->read_qelem = qelem_new(box, (method)tessaroll_doread);
     box->delete_qelem = qelem_new(box, (method)tessaroll_dodelete);
     box->read_name = nullptr;
@@ -222,8 +232,8 @@ static bool make_contents(t_tessaroll *box, t_dictionary *dictionary) {
 
 // Takes a box down that could not be finished. Nothing may be bound to it any more.
 static void discard(t_tessaroll *box) {
-    if (bindMeBaby->s_thing == (t_object *)box)
-        bindMeBaby->s_thing = nullptr;
+    t_object *itself = (t_object *)box;
+    bound_box().compare_exchange_strong(itself, nullptr);
     object_free(box);
 }
 

@@ -30,6 +30,10 @@ extern t_class *tessaroll_class;
 extern t_symbol *bindMeBaby;  // "#X": bound to the box made last until its "done"
 extern t_symbol *mycolumname; // the class's name: the column of the data view, and the mark of a list of texts
 
+// Binds "#X" to a box, to none with null, whichever thread asks. Without the critical region: one word is no state to
+// be held together.
+void tessaroll_bind(t_object *box);
+
 // ---- life (vrk.tessaroll.cpp)
 
 // A box from the dictionary in its arguments; null, with nothing left behind, without one or without memory.

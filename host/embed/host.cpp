@@ -15,6 +15,7 @@
 #include "kernel/outlets.h"
 #include "kernel/receivers.h"
 #include "kernel/scheduler.h"
+#include "kernel/symbols.h"
 #include "ui/box.h"
 #include "ui/boxes/boxes.h"
 #include "ui/dataview.h"
@@ -66,7 +67,7 @@ void stop_host() {
     front_end() = FrontEnd();
 }
 
-MemoryInUse memory_in_use() { return {blocks_alive(), objects_alive()}; }
+MemoryInUse memory_in_use() { return {blocks_alive(), objects_alive(), symbols_alive()}; }
 
 void fail_nth_allocation(long n) { fail_allocation(n); }
 
@@ -213,8 +214,12 @@ void send_message(t_object *box, std::span<const t_atom> atoms) {
 }
 
 void send_on_scheduler(t_object *box, std::vector<t_atom> atoms) {
-    post_to_scheduler([box, atoms = std::move(atoms)] {
-        if (record_of(box)) // it may have been freed since
+    const Record *record = expect_object(box, "send_on_scheduler");
+    if (!record)
+        return;
+    post_to_scheduler([box, serial = record->serial, atoms = std::move(atoms)] {
+        const Record *now = record_of(box); // it may have been freed since, and another one made in its place
+        if (now && now->serial == serial)
             send_message(box, atoms);
     });
 }

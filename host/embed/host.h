@@ -31,9 +31,9 @@ namespace maxhost {
 MAXHOST_EMBED void start_host(FrontEnd front_end);
 MAXHOST_EMBED void stop_host();
 
-// What plug-ins hold: blocks of the allocator, and objects that they made or asked for.
+// What plug-ins hold: blocks of the allocator, objects that they made or asked for; and all symbols, which stay for ever.
 struct MemoryInUse {
-    size_t blocks, objects;
+    size_t blocks, objects, symbols;
 };
 MAXHOST_EMBED MemoryInUse memory_in_use();
 

@@ -19,6 +19,7 @@ struct Register {
     std::mutex mutex;
     std::unordered_map<const void *, std::unique_ptr<Record>> records;
     size_t counted = 0;
+    long newest_serial = 0;
 };
 
 Register &all_objects() {
@@ -46,6 +47,7 @@ void adopt(t_object *object, Class *cls, void (*release)(void *)) {
     record->release = release;
     Register &objects = all_objects();
     std::lock_guard lock(objects.mutex);
+    record->serial = ++objects.newest_serial;
     objects.records[object] = std::move(record);
     objects.counted += cls->counted;
 }

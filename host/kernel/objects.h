@@ -19,8 +19,9 @@ struct Outlet;
 // What the host knows of a living object, beside the object's own memory.
 struct Record {
     Class *cls = nullptr;
-    void (*release)(void *) = nullptr;            // gives the memory back
-    t_symbol *name = nullptr;                     // a box's scripting name or id
+    void (*release)(void *) = nullptr; // gives the memory back
+    long serial = 0;                   // unlike an address never given again; 0 for what is not in the register
+    t_symbol *name = nullptr;          // a box's scripting name or id
     std::vector<std::unique_ptr<Outlet>> outlets; // in order of creation, so from right to left
     std::vector<Outlet *> sources;                // where cords to it begin, once for each cord
     long inlets = 1;

@@ -2,6 +2,7 @@
 #include "kernel/receivers.h"
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <unordered_map>
 
@@ -24,8 +25,9 @@ Listeners &listeners() {
 
 // The box that is bound to the symbol. A binding outlives what it is bound to.
 t_object *bound_box(const t_symbol *name) {
-    const Record *record = name->s_thing ? record_of(name->s_thing) : nullptr;
-    return record && record->cls->is_box ? name->s_thing : nullptr;
+    t_object *bound = std::atomic_ref(const_cast<t_symbol *>(name)->s_thing).load(); // bound on both threads
+    const Record *record = bound ? record_of(bound) : nullptr;
+    return record && record->cls->is_box ? bound : nullptr;
 }
 
 std::vector<t_object *> who_hears(t_symbol *name) {

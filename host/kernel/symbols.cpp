@@ -10,6 +10,7 @@
 #include "ext_proto.h"
 #include "ext_strings.h"
 #include "kernel/door.h"
+#include "kernel/symbols.h"
 
 namespace {
 
@@ -42,6 +43,8 @@ class SymbolTable {
         slots_[at].hash = hash;
         return slots_[at].symbol;
     }
+
+    size_t count() const { return count_; }
 
     // Makes room for one more symbol. Slots move.
     void grow() {
@@ -87,6 +90,12 @@ t_symbol *new_symbol(std::string_view text) {
 }
 
 } // namespace
+
+size_t maxhost::symbols_alive() {
+    SymbolTable &table = symbol_table();
+    std::lock_guard lock(table.mutex);
+    return table.count();
+}
 
 t_symbol *gensym(const char *s) {
     if (!maxhost::at_door(s, "gensym", "null text"))
