@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the box and shows it at work: a script makes a list, reads the General MIDI instruments from a resource file,
-# steps through them, edits them, and prints what comes out of the outlets.
+# Builds the box and shows it at work: opens the help patcher, clicks in its tabs, and prints what comes out of the
+# boxes.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -9,10 +9,11 @@ source scripts/build.sh
 install_packages "${build_packages[@]}"
 build_preset release
 
-script=package/examples/general-midi.script
+patcher=package/help/vrk.tessaroll.maxhelp
+script=package/examples/help-patcher.script
 echo
 echo "--- $script"
 cat "$script"
 echo
 echo "--- what it says"
-exec build/release/bin/vrk-run --search package/examples --script "$script"
+exec build/release/bin/vrk-run --search package/examples --script "$script" "$patcher"

@@ -45,6 +45,22 @@ TEST_F(Program, StopsAtAPatcherThatCannotBeOpenedOrSaved) {
     }
 }
 
+TEST_F(Program, PlaysTheExampleScriptsInTheHelpPatcher) {
+    const fs::path package = fs::path(BOX_SCRIPTS_DIR) / "../../package";
+    int played = 0;
+    for (const fs::directory_entry &entry : fs::directory_iterator(package / "examples")) {
+        if (entry.path().extension() != ".script")
+            continue;
+        const ScriptResult result = run({"--search", (package / "examples").string(), "--script", entry.path().string(),
+                                         (package / "help/vrk.tessaroll.maxhelp").string()});
+        EXPECT_EQ(result.status, 0) << entry.path();
+        EXPECT_EQ(result.complaints, "") << entry.path();
+        EXPECT_FALSE(std::regex_search(result.transcript, std::regex("(^|\n)(error|warn): "))) << result.transcript;
+        ++played;
+    }
+    EXPECT_GE(played, 2);
+}
+
 TEST_F(Program, KeepsManyItemsInOrder) {
     std::string items;
     for (int i = 0; i < 40000; ++i)
