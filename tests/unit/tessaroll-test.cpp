@@ -745,14 +745,14 @@ TEST_F(TessarollTest, SavingIntoNothingIsNoMisuse) {
 }
 
 TEST_F(TessarollTest, MoreItemsThanADeferredCallCarriesComeBackInOrder) {
-    const Lines texts = numbered_texts(40000);
+    const Lines texts = numbered_texts(32770);
     t_object *box = make_with(texts);
-    EXPECT_EQ(view(box).rows, 40000);
+    EXPECT_EQ(view(box).rows, 32770);
     const OwnedDictionary saved = saved_box(box);
-    EXPECT_EQ(saved->entries[saved->index.at(gensym("restoreitems"))].second.size(), 40000u);
+    EXPECT_EQ(saved->entries[saved->index.at(gensym("restoreitems"))].second.size(), 32770u);
     EXPECT_EQ(items(box), texts);
     send(box, "length");
-    EXPECT_EQ(take_lines(), (Lines{"obj-1:1 int 40000"}));
+    EXPECT_EQ(take_lines(), (Lines{"obj-1:1 int 32770"}));
 }
 
 // ---- restoring
