@@ -10,8 +10,12 @@
 #include "ext_dictionary.h"
 #include "kernel/objects.h"
 
+namespace maxhost {
+using DictionaryEntries = std::vector<std::pair<t_symbol *, std::vector<t_atom>>>;
+}
+
 struct _dictionary : t_object {
-    std::vector<std::pair<t_symbol *, std::vector<t_atom>>> entries;
+    maxhost::DictionaryEntries entries;
     std::unordered_map<t_symbol *, size_t> index;
     std::unordered_set<t_symbol *> asked; // keys that a plug-in has read by their name
 

@@ -97,7 +97,7 @@ class Builder : public nlohmann::json_sax<Json> {
     std::string key_;
 };
 
-// Writes a value piece by piece.
+// Writes a value piece by piece, with one serializer for all: making one costs more than most values do.
 class Writer {
   public:
     std::string text;
@@ -114,9 +114,11 @@ class Writer {
 
   private:
     void write_plain(const Json &value) {
+        const size_t before = text.size();
         try {
-            text += value.dump();
+            serializer_.dump(value, false, false, 0);
         } catch (const Json::type_error &) { // not UTF-8
+            text.resize(before);
             text += value.dump(-1, ' ', false, Json::error_handler_t::replace);
             replaced = true;
         }
@@ -124,7 +126,7 @@ class Writer {
 
     void write_object(const Json &value, size_t level) {
         const char *before = "{";
-        for (const auto &[key, part] : value.items()) {
+        for (const auto &[key, part] : value.get_ref<const Json::object_t &>()) {
             text += before;
             new_line(level + 1);
             write_plain(key);
@@ -150,6 +152,8 @@ class Writer {
     }
 
     std::string &new_line(size_t level) { return text.append(1, '\n').append(4 * level, ' '); }
+
+    nlohmann::detail::serializer<Json> serializer_{nlohmann::detail::output_adapter<char>(text), ' '};
 };
 
 bool to_atom(const Json &value, t_atom &atom) {

@@ -24,10 +24,10 @@ KeptBox &kept_box(t_jbox *box) {
     return *state.kept;
 }
 
-OwnedDictionary saved_attributes(t_object *box) {
-    OwnedDictionary dictionary = new_dictionary();
+DictionaryEntries saved_attributes(t_object *box) {
+    const OwnedDictionary dictionary = new_dictionary();
     save_attributes(box, *record_of(box)->cls, dictionary.get());
-    return dictionary;
+    return std::move(dictionary->entries);
 }
 
 } // namespace maxhost

@@ -12,7 +12,7 @@ namespace maxhost {
 
 struct KeptBox {
     Json entry;                              // the object under "box", but for the patcher in the box
-    OwnedDictionary attributes;              // the attributes as they were when it was read or saved last
+    DictionaryEntries attributes;            // the attributes as they were when it was read or saved last
     std::unordered_set<t_symbol *> own_keys; // that the class reads or writes by itself; "jsave" brings them back
     long element = -1;                       // its place in the list of boxes; -1: it is not in the file yet
 };
@@ -37,6 +37,6 @@ Json new_description();
 KeptBox &kept_box(t_jbox *box);
 
 // The saved attributes of a box as they are now.
-OwnedDictionary saved_attributes(t_object *box);
+DictionaryEntries saved_attributes(t_object *box);
 
 } // namespace maxhost

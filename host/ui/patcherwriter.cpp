@@ -65,10 +65,12 @@ void put_atoms(Json &object, const std::string &key, std::span<const t_atom> ato
 
 // The attributes that have another value than the file has; for a box that is in no file, all that are saved.
 void save_attributes(KeptBox &kept, t_jbox *box) {
-    OwnedDictionary now = saved_attributes(&box->b_ob);
-    for (const auto &[key, atoms] : now->entries) {
-        const bool is_in_file = kept.element >= 0 && kept.attributes;
-        if (!is_in_file || !same_atoms(atoms, atoms_under(kept.attributes.get(), key->s_name)))
+    DictionaryEntries now = saved_attributes(&box->b_ob);
+    const DictionaryEntries &before = kept.attributes;
+    for (const auto &[key, atoms] : now) {
+        const auto found = std::find_if(before.begin(), before.end(), [&](const auto &e) { return e.first == key; });
+        const bool is_in_file = kept.element >= 0 && found != before.end();
+        if (!is_in_file || !same_atoms(atoms, found->second))
             put_atoms(attribute_place(kept.entry, key->s_name), key->s_name, atoms);
     }
     kept.attributes = std::move(now);
