@@ -73,13 +73,14 @@ void print_table(const Medians &medians) {
     }
 }
 
-// How the time grows with the count: 1 is in proportion to it, 2 with its square.
-void print_growth(const Medians &medians, const std::string &what) {
-    const auto few = medians.nanoseconds.find(what + " 1000 items");
-    const auto many = medians.nanoseconds.find(what + " 32767 items");
-    if (few != medians.nanoseconds.end() && many != medians.nanoseconds.end())
-        std::printf("\nGrowth exponent of \"%s\" from 1000 to 32767 items: %.2f.\n", what.c_str(),
-                    std::log(many->second / few->second) / std::log(32.767));
+// How the time of "WHAT N UNIT" grows with N: 1 is in proportion to it, 2 with its square.
+void print_growth(const Medians &medians, const std::string &what, long few, long many, const std::string &unit) {
+    const auto less = medians.nanoseconds.find(what + " " + std::to_string(few) + " " + unit);
+    const auto more = medians.nanoseconds.find(what + " " + std::to_string(many) + " " + unit);
+    if (less != medians.nanoseconds.end() && more != medians.nanoseconds.end())
+        std::printf("\nGrowth exponent of \"%s\" from %ld to %ld %s: %.2f.\n", what.c_str(), few, many, unit.c_str(),
+                    std::log(more->second / less->second) /
+                        std::log(static_cast<double>(many) / static_cast<double>(few)));
 }
 
 } // namespace
@@ -92,6 +93,7 @@ int main(int argc, char **argv) {
     add_file_ratios();
     add_hex_ratios();
     add_list_ratios();
+    add_patcher_ratios();
     add_program_ratios();
     for (const Ratio &each : ratios) {
         add_benchmark(each.what, each.figure, each.figure_has_own_time);
@@ -100,8 +102,10 @@ int main(int argc, char **argv) {
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
     print_table(medians);
-    print_growth(medians, "read");
-    print_growth(medians, "write");
+    print_growth(medians, "read", 1000, 32767, "items");
+    print_growth(medians, "write", 1000, 32767, "items");
+    print_growth(medians, "open a patcher of", 500, 5000, "boxes");
+    print_growth(medians, "save a patcher of", 500, 5000, "boxes");
     print_memory_ratio(argv[0]);
     maxhost::stop_host();
 }

@@ -24,4 +24,5 @@ void add_ratio(Ratio ratio);
 void add_file_ratios();
 void add_hex_ratios();
 void add_list_ratios();
+void add_patcher_ratios();
 void add_program_ratios();
