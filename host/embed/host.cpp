@@ -40,7 +40,9 @@ DataView *view_of(t_object *box) {
 }
 
 long rows_in_a_page(t_object *box, const ViewState &view) {
-    return std::max(1L, static_cast<long>(reinterpret_cast<t_jbox *>(box)->b_patching_rect.height) / view.row_height);
+    t_rect rect{};
+    jbox_get_patching_rect(box, &rect);
+    return std::max(1L, static_cast<long>(rect.height) / view.row_height);
 }
 
 // The full path of a file that is there, as open_patcher finds it.

@@ -8,6 +8,7 @@
 #include "ext_obex_util.h"
 #include "ext_proto.h"
 #include "kernel/attributes.h"
+#include "kernel/critical.h"
 #include "kernel/dictionary.h"
 #include "kernel/frontend.h"
 #include "kernel/objects.h"
@@ -78,6 +79,7 @@ t_max_err set_patching_rect(t_jbox *box, void *, long ac, t_atom *av) {
     double parts[4];
     for (int i = 0; i < 4; ++i)
         parts[i] = atom_getfloat(av + i);
+    const HeldRegion hold; // messages set it on both threads
     box->b_patching_rect = rect_of(parts);
     return MAX_ERR_NONE;
 }
@@ -213,6 +215,7 @@ t_max_err jbox_get_patching_rect(t_object *box, t_rect *pr) {
     const t_jbox *b = expect_box(box, "jbox_get_patching_rect");
     if (!b || !at_door(pr, "jbox_get_patching_rect", "nowhere to put it"))
         return MAX_ERR_INVALID_PTR;
+    const HeldRegion hold;
     *pr = b->b_patching_rect;
     return MAX_ERR_NONE;
 }

@@ -3,6 +3,7 @@
 
 #include "ext_proto.h"
 #include "kernel/console.h"
+#include "kernel/scheduler.h"
 #include "ui/box.h"
 #include "ui/patcherdocument.h"
 #include "ui/patcherreader.h"
@@ -41,8 +42,11 @@ Patcher *read_json_patcher(const std::string &text, const std::string &file_name
 } // namespace
 
 Patcher *read_patcher(const std::string &text, const std::string &file_name, std::string &reason) {
-    Patcher *patcher =
-        is_text_patcher(text) ? read_text_patcher(text, file_name, reason) : read_json_patcher(text, file_name, reason);
+    Patcher *patcher = nullptr;
+    between_deliveries([&] { // a box that listens to a name is heard of before its cords are there
+        patcher = is_text_patcher(text) ? read_text_patcher(text, file_name, reason)
+                                        : read_json_patcher(text, file_name, reason);
+    });
     if (!patcher)
         return nullptr;
     send_loadbang(*patcher);

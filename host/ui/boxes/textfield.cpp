@@ -76,6 +76,7 @@ void textfield_assist(TextField *, void *, long kind, long index, char *text) {
 t_max_err get_outputmode(TextField *x, void *, long *ac, t_atom **av) {
     char allocated;
     const t_max_err result = atom_alloc(ac, av, &allocated);
+    const HeldRegion hold;
     return result ? result : atom_setlong(*av, x->parts->one_symbol);
 }
 
