@@ -8,9 +8,9 @@
 
 // "embed" switched on changes what is saved in the patcher; switched off, it marks nothing.
 static void follow_attribute(t_tessaroll *box, const t_symbol *attribute) {
-    if (attribute == _sym_fontname)
+    if (attribute == gensym("fontname"))
         jlist_setfontname(box->jlist, jbox_get_fontname((t_object *)box));
-    else if (attribute == _sym_fontsize)
+    else if (attribute == gensym("fontsize"))
         jlist_setfontsize(box->jlist, jbox_get_fontsize((t_object *)box));
     else if (attribute == gensym("embed"))
         tessaroll_markchanged(box);
@@ -19,7 +19,7 @@ static void follow_attribute(t_tessaroll *box, const t_symbol *attribute) {
 t_max_err tessaroll_notify(t_tessaroll *box, t_symbol *sender_name, t_symbol *message, void *sender, void *data) {
     if (message == _sym_attr_modified) {
         if (jlist_hasdataview(box->jlist))
-            follow_attribute(box, (t_symbol *)object_method((t_object *)data, _sym_getname));
+            follow_attribute(box, (t_symbol *)object_method((t_object *)data, gensym("getname")));
         jbox_redraw(&box->box);
     }
     return jbox_notify(&box->box, sender_name, message, sender, data);

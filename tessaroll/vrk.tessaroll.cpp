@@ -129,15 +129,15 @@ static t_object *make_attribute(const attribute_row &row) {
 static void set_accessors(t_object *attribute, const accessor_row *row) {
     if (!row)
         return;
-    object_method(attribute, _sym_setmethod, _sym_get, row->get);
-    object_method(attribute, _sym_setmethod, _sym_set, row->set);
+    object_method(attribute, gensym("setmethod"), gensym("get"), row->get);
+    object_method(attribute, gensym("setmethod"), gensym("set"), row->set);
 }
 
 static void add_property(t_class *c, const char *attribute_name, const property_row &row) {
     t_object *attribute = (t_object *)class_attr_get(c, gensym(attribute_name));
     if (!attribute)
         return;
-    t_symbol *type = row.type ? gensym(row.type) : (t_symbol *)object_method(attribute, _sym_gettype);
+    t_symbol *type = row.type ? gensym(row.type) : (t_symbol *)object_method(attribute, gensym("gettype"));
     class_attr_addattr_parse(c, attribute_name, row.name, type, ATTR_FLAGS_NONE, row.value);
 }
 
@@ -175,13 +175,16 @@ static void tessaroll_register() {
     alias(const_cast<char *>("tessaroll"));
 }
 
-// Hosts since 6.1.9 call the first, older ones the second; none calls both.
+// Hosts since 6.1.9 call the first, older ones the second; none calls both. On Windows the C runtime has a main of its
+// own.
 extern "C" C74_EXPORT void ext_main(void *) { tessaroll_register(); }
 
+#ifndef _WIN32
 C74_EXPORT int main(void) {
     tessaroll_register();
     return 0;
 }
+#endif
 
 // ---- the life of a box
 

@@ -686,7 +686,7 @@ static void write_text(t_jxmlfile *holder, t_symbol *type, t_symbol *text, long 
     atom_setsym(&value, text);
     if (!jxmlresfile_set_resource(holder, type, number, &value, 0, 1))
         return;
-    atom_setsym(&value, _sym_nothing);
+    atom_setsym(&value, gensym(""));
     jxmlresfile_set_resource(holder, type, number, &value, 0, 0);
 }
 
@@ -720,7 +720,7 @@ static void write_images(t_jlist *list, t_jxmlfile *holder) {
         if (data)
             atom_setobj(&value, data); // passes to the node access, which releases it
         else
-            atom_setsym(&value, _sym_nothing);
+            atom_setsym(&value, gensym(""));
         jxmlresfile_set_resource(holder, gensym("image"), i, &value, data != nullptr, 1);
     }
 }

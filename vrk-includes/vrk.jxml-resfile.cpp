@@ -1,12 +1,12 @@
 // Resource files: numbered resources by type, and menus, in the document of a holder.
-#include "vrk.jxml-resfile.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cwchar>
 #include <iterator>
 #include <string_view>
+
+#include "vrk.jxml-resfile.h"
 
 #include "vrk.pathname.h"
 

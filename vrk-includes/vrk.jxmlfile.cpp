@@ -1,26 +1,22 @@
 // The holder of one XML document: its file, the path language, access to nodes and attributes, editor and printing.
-#include "vrk.jxmlfile.h"
-
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <charconv>
 #include <climits>
-#include <clocale>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 #include <utility>
-
-#ifdef __APPLE__
-#include <xlocale.h>
-#endif
 
 #include <libxml/entities.h>
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
 
+#include "vrk.jxmlfile.h"
+
+#include "vrk.numbers.h"
 #include "vrk.pathname.h"
 
 // Blanks between elements are dropped, and texts of a few bytes stand in their nodes: nothing here writes into the
@@ -45,6 +41,10 @@ constexpr size_t TAG_LINE_SIZE = 1024;
 // Ends an evaluation that would take minutes. The paths of resource files need about ten operations for each element,
 // so a document that comes near it would not fit into memory.
 constexpr unsigned long EVALUATION_LIMIT = 100'000'000;
+
+// The libxml2 that evaluations can be limited with. The one that is there when the program runs may be older than the
+// headers, and its contexts shorter.
+#define OPERATION_LIMIT_VERSION 20910
 
 // ---- small helpers
 
@@ -113,30 +113,13 @@ static bool append(byte_buffer *to, std::string_view bytes) {
     return true;
 }
 
-// Numbers are printed and read with a decimal point while the scope lasts, whatever locale the program has set.
-class c_numbers {
-  public:
-    c_numbers() : former(uselocale(c_locale())) {}
-    ~c_numbers() { uselocale(former); }
-    c_numbers(const c_numbers &) = delete;
-    c_numbers &operator=(const c_numbers &) = delete;
-
-  private:
-    static locale_t c_locale() {
-        static const locale_t locale = newlocale(LC_NUMERIC_MASK, "C", nullptr);
-        return locale;
-    }
-    locale_t former;
-};
-
-// An integer as "%ld", a float as "%f", any other atom as nothing.
+// An integer in decimal, a float as "%f", any other atom as nothing.
 static const char *number_text(const t_atom *atom, char (&buffer)[NUMBER_SIZE]) {
     buffer[0] = '\0';
     if (atom_gettype(atom) == A_LONG) {
-        *std::to_chars(buffer, buffer + sizeof buffer - 1, static_cast<long>(atom_getlong(atom))).ptr = '\0';
+        *std::to_chars(buffer, buffer + sizeof buffer - 1, atom_getlong(atom)).ptr = '\0';
     } else if (atom_gettype(atom) == A_FLOAT) {
-        const c_numbers numbers;
-        std::snprintf(buffer, sizeof buffer, "%f", static_cast<double>(atom_getfloat(atom)));
+        vrk_print_float(atom_getfloat(atom), buffer, sizeof buffer);
     }
     return buffer;
 }
@@ -329,8 +312,8 @@ t_jxmlfile *jxmlfile_new(t_object *owner) {
     holder->root = gensym("resourcefile");
     holder->xmlpath[0] = gensym("resource");
     holder->xmlpath[1] = gensym("long");
-    holder->read_qelem = static_cast<t_qelem *>(qelem_new(holder, (method)jxmlfile_doread));
-    holder->write_qelem = static_cast<t_qelem *>(qelem_new(holder, (method)jxmlfile_dowrite));
+    holder->read_qelem = qelem_new(holder, (method)jxmlfile_doread);
+    holder->write_qelem = qelem_new(holder, (method)jxmlfile_dowrite);
     if (!holder->read_qelem || !holder->write_qelem) {
         jxmlfile_free(holder);
         return nullptr;
@@ -638,8 +621,9 @@ static xpath_context new_context(t_jxmlfile *holder) {
         object_error(holder->owner, "unable to create new xpath context");
         return nullptr;
     }
-#if LIBXML_VERSION >= 20910
-    context->opLimit = EVALUATION_LIMIT;
+#if LIBXML_VERSION >= OPERATION_LIMIT_VERSION
+    if (std::atol(xmlParserVersion) >= OPERATION_LIMIT_VERSION)
+        context->opLimit = EVALUATION_LIMIT;
 #endif
     return context;
 }
@@ -927,10 +911,9 @@ static bool is_trimmed(const char *text) {
 // A text as the kind of value that was asked for; a text that is no number counts as 0.
 static void set_value(t_atom *atom, t_symbol *value_kind, const char *text) {
     if (value_kind == keywords().as_int) {
-        atom_setlong(atom, std::strtol(text, nullptr, 10));
+        atom_setlong(atom, static_cast<t_atom_long>(std::strtoll(text, nullptr, 10)));
     } else if (value_kind == keywords().as_float) {
-        const c_numbers numbers;
-        atom_setfloat(atom, std::strtod(text, nullptr));
+        atom_setfloat(atom, vrk_read_float(text));
     } else {
         atom_setsym(atom, gensym(text));
     }

@@ -20,8 +20,8 @@ typedef struct _jxmlfile {
     t_symbol *root;       // name of the root element, "resourcefile" at first
     t_symbol *xmlpath[2]; // group element and resource type, "resource" and "long" at first
     char loaded;          // 0 or 1
-    t_qelem *read_qelem;  // runs jxmlfile_doread
-    t_qelem *write_qelem; // runs jxmlfile_dowrite
+    void *read_qelem;     // runs jxmlfile_doread
+    void *write_qelem;    // runs jxmlfile_dowrite
     jxml_index *index;    // answers plain paths; null at first
 } t_jxmlfile;
 

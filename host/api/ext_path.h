@@ -41,6 +41,12 @@ short path_tempfolder(void);
 short path_createfolder(const short path, const char *name, short *newpath);
 short path_getpath(short path, const char *name, short *outpath);
 
+#ifdef __APPLE__
+// The id of the folder that a reference of the system leads to. This host has it not: it runs on Linux.
+struct FSRef;
+short path_fromfsref(struct FSRef *ref);
+#endif
+
 // The save dialog: its prompt, for the next time only, and the dialog. `name` is the proposal, then the choice
 // (MAX_FILENAME_CHARS). 0 when a file was chosen. Main thread.
 void saveas_promptset(const char *s);

@@ -4,19 +4,27 @@
 #include <stddef.h>
 #include <stdint.h>
 
-// Around every declaration of the API: C linkage, visible outside the host.
-#ifdef __cplusplus
-#define HOST_API_BEGIN _Pragma("GCC visibility push(default)") extern "C" {
-#define HOST_API_END                                                                                                   \
-    }                                                                                                                  \
-    _Pragma("GCC visibility pop")
+// Before what a plug-in exports: its entry functions, nothing else.
+#ifdef _WIN32
+#define C74_EXPORT __declspec(dllexport)
+#define HOST_API_VISIBLE
+#define HOST_API_HIDDEN
 #else
-#define HOST_API_BEGIN _Pragma("GCC visibility push(default)")
-#define HOST_API_END _Pragma("GCC visibility pop")
+#define C74_EXPORT __attribute__((visibility("default")))
+#define HOST_API_VISIBLE _Pragma("GCC visibility push(default)")
+#define HOST_API_HIDDEN _Pragma("GCC visibility pop")
 #endif
 
-// What a plug-in exports: its entry functions, nothing else.
-#define C74_EXPORT __attribute__((visibility("default")))
+// Around every declaration of the API: C linkage, visible outside the host.
+#ifdef __cplusplus
+#define HOST_API_BEGIN HOST_API_VISIBLE extern "C" {
+#define HOST_API_END                                                                                                   \
+    }                                                                                                                  \
+    HOST_API_HIDDEN
+#else
+#define HOST_API_BEGIN HOST_API_VISIBLE
+#define HOST_API_END HOST_API_HIDDEN
+#endif
 
 typedef intptr_t t_int;
 typedef intptr_t t_ptr_int;

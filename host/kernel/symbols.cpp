@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "commonsyms.h"
 #include "ext_proto.h"
 #include "ext_strings.h"
 #include "kernel/door.h"
@@ -107,15 +106,6 @@ t_symbol *gensym(const char *s) {
         return found;
     table.grow();
     return table.slot(text) = new_symbol(text);
-}
-
-t_common_symbols_table *_common_symbols = nullptr;
-
-void common_symbols_init(void) {
-    static t_common_symbols_table table{gensym("attr_modified"), gensym("fontname"), gensym("fontsize"), gensym("get"),
-                                        gensym("getname"),       gensym("gettype"),  gensym(""),         gensym("set"),
-                                        gensym("setmethod")};
-    _common_symbols = &table;
 }
 
 char *strncpy_zero(char *dst, const char *src, long size) {

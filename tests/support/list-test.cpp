@@ -33,7 +33,6 @@ void *owner_new(t_symbol *, long argc, t_atom *argv) {
 void owner_free(ListOwner *x) { jbox_free(&x->box); }
 
 void register_owner() {
-    common_symbols_init();
     owner_class =
         class_new("list-owner", (method)owner_new, (method)owner_free, sizeof(ListOwner), nullptr, A_GIMME, 0);
     jbox_initclass(owner_class, JBOX_FONTATTR);

@@ -1,0 +1,82 @@
+// Files that are replaced as a whole, on POSIX systems.
+#include "vrk.wholefile.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+static bool write_file(const char *path, std::string_view text) {
+    std::FILE *file = std::fopen(path, "wb");
+    if (!file)
+        return false;
+    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && written;
+}
+
+// Where the links of a path lead; empty when that is nowhere. Any other path as it is.
+static std::string without_links(const char *path) {
+    struct stat status;
+    if (lstat(path, &status) != 0 || !S_ISLNK(status.st_mode))
+        return path;
+    const std::unique_ptr<char, void (*)(void *)> target(realpath(path, nullptr), std::free);
+    return target ? target.get() : "";
+}
+
+// Whether a file is there that may be replaced, or none: a pipe or a device would be waited for, or lose the text.
+static bool is_replaceable(const std::string &path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        return !path.empty();
+    std::FILE *file = S_ISREG(status.st_mode) ? std::fopen(path.c_str(), "r+b") : nullptr;
+    return file && std::fclose(file) == 0;
+}
+
+// A new empty file in the folder of another, under a name that nobody has; empty when none can be made.
+static std::string new_file_beside(const std::string &path) {
+    std::string name = path.substr(0, path.rfind('/') + 1) + ".vrk-XXXXXX";
+    const int descriptor = mkstemp(name.data());
+    if (descriptor < 0)
+        return "";
+    close(descriptor);
+    return name;
+}
+
+// Gives a file the permissions and the owner of the one whose place it takes, or those of any new file.
+static bool take_over_status(const std::string &from, const std::string &file) {
+    struct stat status;
+    if (stat(from.c_str(), &status) != 0) {
+        const mode_t mask = umask(0);
+        umask(mask);
+        return chmod(file.c_str(), 0666 & ~mask) == 0;
+    }
+    // Only root can give files away; for anybody else the file becomes his own.
+    [[maybe_unused]] const int failure = chown(file.c_str(), status.st_uid, status.st_gid);
+    return chmod(file.c_str(), status.st_mode & 07777) == 0;
+}
+
+static bool replace_file(const char *name, std::string_view text) {
+    const std::string path = without_links(name);
+    if (!is_replaceable(path))
+        return false;
+    const std::string beside = new_file_beside(path);
+    if (beside.empty())
+        return false;
+    if (write_file(beside.c_str(), text) && take_over_status(path, beside) &&
+        std::rename(beside.c_str(), path.c_str()) == 0)
+        return true;
+    std::remove(beside.c_str());
+    return false;
+}
+
+bool vrk_replace_file(const char *native_path, std::string_view text) {
+    try {
+        return replace_file(native_path, text);
+    } catch (const std::exception &) { // no memory for a path
+        return false;
+    }
+}

@@ -1,0 +1,100 @@
+// Files that are replaced as a whole, on Windows.
+#include "vrk.wholefile.h"
+
+#include <exception>
+#include <memory>
+#include <string>
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+namespace {
+
+struct handle_closer {
+    void operator()(void *handle) const { CloseHandle(handle); }
+};
+using open_file = std::unique_ptr<void, handle_closer>; // null when it could not be opened
+
+// Where the text goes.
+struct target {
+    std::wstring path; // without links; empty when there is nothing that can be replaced
+    bool exists;
+};
+
+} // namespace
+
+static std::wstring wide(const char *utf8) {
+    const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8, -1, nullptr, 0);
+    std::wstring text(length > 0 ? static_cast<size_t>(length) : 1, L'\0');
+    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8, -1, text.data(), length);
+    text.pop_back(); // the terminating zero
+    return text;
+}
+
+static open_file open_to_write(const std::wstring &path, DWORD creation) {
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return open_file(file == INVALID_HANDLE_VALUE ? nullptr : file);
+}
+
+// The path of an open file, with its links followed; empty when it cannot be had.
+static std::wstring final_path(HANDLE file) {
+    const DWORD size = GetFinalPathNameByHandleW(file, nullptr, 0, FILE_NAME_NORMALIZED);
+    std::wstring path(size, L'\0');
+    path.resize(size ? GetFinalPathNameByHandleW(file, path.data(), size, FILE_NAME_NORMALIZED) : 0);
+    return path;
+}
+
+// A console or a device would be waited for, or lose the text.
+static target find_target(const std::wstring &path) {
+    const open_file file = open_to_write(path, OPEN_EXISTING);
+    if (!file)
+        return {GetLastError() == ERROR_FILE_NOT_FOUND ? path : L"", false};
+    return {GetFileType(file.get()) == FILE_TYPE_DISK ? final_path(file.get()) : L"", true};
+}
+
+// Writes a new file beside another, under a name that nobody has; its path, or an empty one.
+static std::wstring write_beside(const std::wstring &path, std::string_view text) {
+    const std::wstring stem = path + L".vrk-" + std::to_wstring(GetCurrentProcessId()) + L"-";
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const std::wstring name = stem + std::to_wstring(attempt);
+        open_file file = open_to_write(name, CREATE_NEW);
+        if (!file && GetLastError() == ERROR_FILE_EXISTS)
+            continue;
+        DWORD written = 0;
+        if (file && WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
+            written == text.size())
+            return name;
+        if (file) {
+            file.reset();
+            DeleteFileW(name.c_str());
+        }
+        break;
+    }
+    return L"";
+}
+
+static bool replace_file(const char *native_path, std::string_view text) {
+    const target place = find_target(wide(native_path));
+    const std::wstring beside = place.path.empty() ? L"" : write_beside(place.path, text);
+    if (beside.empty())
+        return false;
+    const BOOL replaced = place.exists ? ReplaceFileW(place.path.c_str(), beside.c_str(), nullptr,
+                                                      REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr)
+                                       : MoveFileExW(beside.c_str(), place.path.c_str(), 0);
+    if (!replaced)
+        DeleteFileW(beside.c_str());
+    return replaced != 0;
+}
+
+bool vrk_replace_file(const char *native_path, std::string_view text) {
+    if (text.size() > MAXDWORD)
+        return false;
+    try {
+        return replace_file(native_path, text);
+    } catch (const std::exception &) { // no memory for a path
+        return false;
+    }
+}
