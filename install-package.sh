@@ -15,7 +15,7 @@ fail() {
   exit 1
 }
 
-to= yes= package=
+to='' yes='' package=''
 while [ $# -gt 0 ]; do
   case $1 in
   --to) [ $# -ge 2 ] || usage; to=$2; shift ;;
@@ -40,7 +40,7 @@ fi
 place=$to/vrk.tessaroll
 if [ -e "$place" ] && [ -z "$yes" ]; then
   printf '%s is there already. Replace it? [y/N] ' "$place"
-  answer=
+  answer=''
   read -r answer || true
   case $answer in
   y | Y | yes) ;;
