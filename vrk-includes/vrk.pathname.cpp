@@ -1,10 +1,12 @@
 // Paths: from the host's form to the native one, files in the search path, and writing a document to a native path.
+#include <cstdio>
 #include <cstring>
-#include <string_view>
 
 #ifdef __APPLE__
 #include <CoreServices/CoreServices.h>
 #endif
+
+#include <libxml/xmlsave.h>
 
 #include "vrk.owners.h" // libxml2's and the system's headers come before the host's, whose macros could bite
 
@@ -12,6 +14,7 @@
 #include "vrk.wholefile.h"
 
 constexpr char OWN_FOLDER[] = "org.vrk.tessaroll"; // among the temporary items
+constexpr size_t WRITE_SIZE = 65536;               // bytes that are handed to the system at once
 
 t_symbol *vrk_path_to_OSX_path(t_object *, t_symbol *pathname) {
     char native[MAX_PATH_CHARS] = "";
@@ -72,16 +75,45 @@ short vrk_path_tempfolder(const char *subfolder) {
     return own ? folder_in(own, subfolder) : short{0};
 }
 
+// What turns UTF-8 into the encoding of a document, null when it has none. False when its encoding is not known.
+static bool find_encoder(const xmlDoc *doc, xmlCharEncodingHandlerPtr *encoder) {
+    *encoder = doc->encoding ? xmlFindCharEncodingHandler((const char *)doc->encoding) : nullptr;
+    return *encoder || !doc->encoding;
+}
+
+// A document on its way to a file.
+struct document_output {
+    std::FILE *file;
+    xmlOutputBufferPtr buffer;
+};
+
+static int write_bytes(void *output, const char *bytes, int count) {
+    std::FILE *file = static_cast<document_output *>(output)->file;
+    return std::fwrite(bytes, 1, static_cast<size_t>(count), file) == static_cast<size_t>(count) ? count : -1;
+}
+
+// libxml2 counts what a buffer has lost for want of memory as written; such a buffer has no content.
+static int check_buffer(void *output) {
+    return xmlBufContent(static_cast<document_output *>(output)->buffer->buffer) ? 0 : -1;
+}
+
+// The number of bytes that a document takes in an open file, which is closed; -1 when not all of them were written.
+static int write_document(std::FILE *file, void *document) {
+    xmlDocPtr doc = static_cast<xmlDocPtr>(document);
+    std::setvbuf(file, nullptr, _IOFBF, WRITE_SIZE);
+    document_output output = {file, nullptr};
+    xmlCharEncodingHandlerPtr encoder = nullptr;
+    if (find_encoder(doc, &encoder))
+        output.buffer = xmlOutputBufferCreateIO(write_bytes, check_buffer, &output, encoder);
+    if (!output.buffer && encoder)
+        xmlCharEncCloseFunc(encoder);
+    const int size = output.buffer ? xmlSaveFileTo(output.buffer, doc, (const char *)doc->encoding) : -1;
+    return std::fclose(file) == 0 ? size : -1;
+}
+
 int vrk_save_document(t_symbol *native_path, xmlDocPtr doc) {
     if (!native_path || !doc)
         return -1;
     const quiet_libxml quiet;
-    xmlChar *dumped = nullptr;
-    int size = 0;
-    xmlDocDumpMemory(doc, &dumped, &size);
-    const xml_text text(dumped);
-    if (!text || size < 0)
-        return -1;
-    const std::string_view bytes(reinterpret_cast<const char *>(text.get()), static_cast<size_t>(size));
-    return vrk_replace_file(native_path->s_name, bytes) ? size : -1;
+    return vrk_replace_file(native_path->s_name, write_document, doc);
 }

@@ -10,14 +10,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-static bool write_file(const char *path, std::string_view text) {
-    std::FILE *file = std::fopen(path, "wb");
-    if (!file)
-        return false;
-    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    return std::fclose(file) == 0 && written;
-}
-
 // Where the links of a path lead; empty when that is nowhere. Any other path as it is.
 static std::string without_links(const char *path) {
     struct stat status;
@@ -36,14 +28,17 @@ static bool is_replaceable(const std::string &path) {
     return file && std::fclose(file) == 0;
 }
 
-// A new empty file in the folder of another, under a name that nobody has; empty when none can be made.
-static std::string new_file_beside(const std::string &path) {
-    std::string name = path.substr(0, path.rfind('/') + 1) + ".vrk-XXXXXX";
+// A new empty file in the folder of another, under a name that nobody has and that is put behind the folder in `name`.
+// Null when none can be made.
+static std::FILE *new_file_beside(const std::string &path, std::string &name) {
+    name = path.substr(0, path.rfind('/') + 1) + ".vrk-XXXXXX";
     const int descriptor = mkstemp(name.data());
-    if (descriptor < 0)
-        return "";
-    close(descriptor);
-    return name;
+    std::FILE *file = descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
+    if (descriptor >= 0 && !file) {
+        close(descriptor);
+        std::remove(name.c_str());
+    }
+    return file;
 }
 
 // Gives a file the permissions and the owner of the one whose place it takes, or those of any new file.
@@ -59,24 +54,26 @@ static bool take_over_status(const std::string &from, const std::string &file) {
     return chmod(file.c_str(), status.st_mode & 07777) == 0;
 }
 
-static bool replace_file(const char *name, std::string_view text) {
+// Beside the file and renamed, so that what was there stays when the disk is full.
+static int replace_file(const char *name, whole_file_writer write, void *what) {
     const std::string path = without_links(name);
     if (!is_replaceable(path))
-        return false;
-    const std::string beside = new_file_beside(path);
-    if (beside.empty())
-        return false;
-    if (write_file(beside.c_str(), text) && take_over_status(path, beside) &&
-        std::rename(beside.c_str(), path.c_str()) == 0)
-        return true;
+        return -1;
+    std::string beside;
+    std::FILE *file = new_file_beside(path, beside);
+    if (!file)
+        return -1;
+    const int size = write(file, what);
+    if (size >= 0 && take_over_status(path, beside) && std::rename(beside.c_str(), path.c_str()) == 0)
+        return size;
     std::remove(beside.c_str());
-    return false;
+    return -1;
 }
 
-bool vrk_replace_file(const char *native_path, std::string_view text) {
+int vrk_replace_file(const char *native_path, whole_file_writer write, void *what) {
     try {
-        return replace_file(native_path, text);
+        return replace_file(native_path, write, what);
     } catch (const std::exception &) { // no memory for a path
-        return false;
+        return -1;
     }
 }

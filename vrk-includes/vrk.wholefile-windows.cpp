@@ -55,46 +55,44 @@ static target find_target(const std::wstring &path) {
     return {GetFileType(file.get()) == FILE_TYPE_DISK ? final_path(file.get()) : L"", true};
 }
 
-// Writes a new file beside another, under a name that nobody has; its path, or an empty one.
-static std::wstring write_beside(const std::wstring &path, std::string_view text) {
+// A new empty file beside another, under a name that nobody has and that is put into `name`. Null when none can be
+// made.
+static std::FILE *new_file_beside(const std::wstring &path, std::wstring &name) {
     const std::wstring stem = path + L".vrk-" + std::to_wstring(GetCurrentProcessId()) + L"-";
     for (int attempt = 0; attempt < 100; ++attempt) {
-        const std::wstring name = stem + std::to_wstring(attempt);
-        open_file file = open_to_write(name, CREATE_NEW);
-        if (!file && GetLastError() == ERROR_FILE_EXISTS)
-            continue;
-        DWORD written = 0;
-        if (file && WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
-            written == text.size())
-            return name;
-        if (file) {
-            file.reset();
-            DeleteFileW(name.c_str());
-        }
-        break;
+        name = stem + std::to_wstring(attempt);
+        if (open_to_write(name, CREATE_NEW))
+            return _wfopen(name.c_str(), L"wb");
+        if (GetLastError() != ERROR_FILE_EXISTS)
+            break;
     }
-    return L"";
+    return nullptr;
 }
 
-static bool replace_file(const char *native_path, std::string_view text) {
+static bool put_in_place(const std::wstring &beside, const target &place) {
+    if (place.exists)
+        return ReplaceFileW(place.path.c_str(), beside.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
+                            nullptr);
+    return MoveFileExW(beside.c_str(), place.path.c_str(), 0);
+}
+
+static int replace_file(const char *native_path, whole_file_writer write, void *what) {
     const target place = find_target(wide(native_path));
-    const std::wstring beside = place.path.empty() ? L"" : write_beside(place.path, text);
-    if (beside.empty())
-        return false;
-    const BOOL replaced = place.exists ? ReplaceFileW(place.path.c_str(), beside.c_str(), nullptr,
-                                                      REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr)
-                                       : MoveFileExW(beside.c_str(), place.path.c_str(), 0);
-    if (!replaced)
-        DeleteFileW(beside.c_str());
-    return replaced != 0;
+    std::wstring beside;
+    std::FILE *file = place.path.empty() ? nullptr : new_file_beside(place.path, beside);
+    if (!file)
+        return -1;
+    const int size = write(file, what);
+    if (size >= 0 && put_in_place(beside, place))
+        return size;
+    DeleteFileW(beside.c_str());
+    return -1;
 }
 
-bool vrk_replace_file(const char *native_path, std::string_view text) {
-    if (text.size() > MAXDWORD)
-        return false;
+int vrk_replace_file(const char *native_path, whole_file_writer write, void *what) {
     try {
-        return replace_file(native_path, text);
+        return replace_file(native_path, write, what);
     } catch (const std::exception &) { // no memory for a path
-        return false;
+        return -1;
     }
 }
