@@ -23,14 +23,19 @@ constexpr size_t most_indexes = 4; // that one document keeps
 
 // ---- reading expressions
 
-struct plain_path {
-    std::array<std::string_view, most_steps> names;
-    size_t count = 0;
-    size_t filtered = 0; // how many names stand up to the filter, that with the filter included; 0: there is none
-    std::string_view attribute;
+// A name, and the filter behind it unless `attribute` is empty.
+template <typename Text> struct path_step {
+    Text name;
+    Text attribute;
     double number = 0;
+};
 
-    std::string_view head; // the expression before the number
+struct plain_path {
+    std::array<path_step<std::string_view>, most_steps> steps;
+    size_t count = 0;
+    size_t filtered = 0; // how many steps there are up to the last that has a filter; 0: none has one
+
+    std::string_view head; // the expression before the number of that filter
 };
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
@@ -91,16 +96,18 @@ bool take_number(std::string_view &text, double &number) {
 bool read_plain_path(const char *expression, plain_path *path) {
     std::string_view text(expression);
     while (!text.empty()) {
-        if (path->count == most_steps || !take(text, "/") || !take_name(text, path->names[path->count]))
+        if (path->count == most_steps || !take(text, "/"))
             return false;
-        ++path->count;
-        if (path->filtered || text.empty() || text[0] != '[')
+        auto &step = path->steps[path->count++];
+        if (!take_name(text, step.name))
+            return false;
+        if (text.empty() || text[0] != '[')
             continue;
         path->filtered = path->count;
-        if (!take(text, "[@") || !take_name(text, path->attribute) || !take(text, "="))
+        if (!take(text, "[@") || !take_name(text, step.attribute) || !take(text, "="))
             return false;
         path->head = {expression, static_cast<size_t>(text.data() - expression)};
-        if (!take_number(text, path->number) || !take(text, "]"))
+        if (!take_number(text, step.number) || !take(text, "]"))
             return false;
     }
     return path->count > 0;
@@ -136,16 +143,20 @@ double number_of(const xmlNode *element, std::string_view name) {
     return xmlXPathCastNodeToNumber(reinterpret_cast<xmlNodePtr>(const_cast<xmlAttr *>(attribute)));
 }
 
-// Calls `visit` with every node that the names select below a parent, in document order.
+// Whether a step selects a node among its siblings.
+template <typename Text> bool is_selected(const xmlNode *node, const path_step<Text> &step) {
+    return is_element(node, step.name) && (step.attribute.empty() || number_of(node, step.attribute) == step.number);
+}
+
+// Calls `visit` with every node that the steps select below a parent, in document order; the filter of the last step
+// is for `visit`.
 template <typename Visit>
-void walk(const xmlNode *parent, const std::string_view *names, size_t count, const Visit &visit) {
+void walk(const xmlNode *parent, const path_step<std::string_view> *steps, size_t count, const Visit &visit) {
     for (xmlNodePtr child = parent->children; child; child = child->next) {
-        if (!is_element(child, *names))
-            continue;
-        if (count == 1)
+        if (count == 1 && is_element(child, steps->name))
             visit(child);
-        else
-            walk(child, names + 1, count - 1, visit);
+        else if (count > 1 && is_selected(child, *steps))
+            walk(child, steps + 1, count - 1, visit);
     }
 }
 
@@ -166,12 +177,11 @@ struct numbered_element {
 
 bool is_less(const numbered_element &a, const numbered_element &b) { return a.number < b.number; }
 
-// The elements of one path that have a numeric attribute of one name, by number, and of the same number in document
-// order.
+// The elements of one path that have a numeric attribute of the name in its last filter, by number, and of the same
+// number in document order.
 struct number_index {
     std::string head; // of expressions: "/resourcefile/resource/string[@number="; empty while the index is not in use
-    std::vector<std::string> names;
-    std::string attribute;
+    std::vector<path_step<std::string>> steps;
     std::vector<numbered_element> elements;
     size_t gone = 0;
     size_t next = 0;                 // behind the elements that were found last
@@ -180,27 +190,36 @@ struct number_index {
 
 enum class relation { none, above, same };
 
-// Whether the path selects an element, or elements that could lie below it.
+// Whether the path selects an element, or elements that could lie below it, by whatever its own number is.
 relation relate(const number_index &index, const xmlNode *element) {
-    const std::vector<std::string> &names = index.names;
+    const auto &steps = index.steps;
     if (element->parent && element->parent == index.parent)
-        return is_element(element, names.back()) ? relation::same : relation::none;
+        return is_element(element, steps.back().name) ? relation::same : relation::none;
     size_t depth = depth_of(element);
-    if (depth == 0 || depth > names.size())
+    if (depth == 0 || depth > steps.size() || !is_element(element, steps[depth - 1].name))
         return relation::none;
-    const relation found = depth == names.size() ? relation::same : relation::above;
-    for (; depth > 0; --depth, element = element->parent)
-        if (!is_element(element, names[depth - 1]))
+    const relation found = depth == steps.size() ? relation::same : relation::above;
+    while (--depth > 0) {
+        element = element->parent;
+        if (!is_selected(element, steps[depth - 1]))
             return relation::none;
+    }
     return found;
+}
+
+const std::string &attribute_of(const number_index &index) { return index.steps.back().attribute; }
+
+// Whether an attribute of an element decides about those below it.
+bool is_filter_above(const number_index &index, const xmlNode *element, const char *name) {
+    return relate(index, element) == relation::above && index.steps[depth_of(element) - 1].attribute == name;
 }
 
 void build(number_index &index, xmlDocPtr doc, const plain_path &path) {
     xmlInitParser(); // makes libxml2's not-a-number
-    index.names.assign(path.names.begin(), path.names.begin() + static_cast<long>(path.filtered));
-    index.attribute = path.attribute;
-    walk(reinterpret_cast<const xmlNode *>(doc), path.names.data(), path.filtered, [&](xmlNodePtr element) {
-        if (const double number = number_of(element, path.attribute); !std::isnan(number))
+    for (const auto &step : std::span(path.steps.data(), path.filtered))
+        index.steps.push_back({std::string(step.name), std::string(step.attribute), step.number});
+    walk(reinterpret_cast<const xmlNode *>(doc), path.steps.data(), path.filtered, [&](xmlNodePtr element) {
+        if (const double number = number_of(element, attribute_of(index)); !std::isnan(number))
             index.elements.push_back({number, element});
     });
     if (!std::is_sorted(index.elements.begin(), index.elements.end(), is_less))
@@ -286,11 +305,11 @@ void add_to(path_selection *selection, xmlNodePtr node) {
 
 void select_numbered(number_index &index, const plain_path &path, path_selection *out) {
     const size_t rest = path.count - path.filtered;
-    for (const numbered_element &each : find(index, path.number)) {
+    for (const numbered_element &each : find(index, path.steps[path.filtered - 1].number)) {
         if (each.element && rest == 0)
             add_to(out, each.element);
         else if (each.element)
-            walk(each.element, path.names.data() + path.filtered, rest, [out](xmlNodePtr node) { add_to(out, node); });
+            walk(each.element, path.steps.data() + path.filtered, rest, [out](xmlNodePtr node) { add_to(out, node); });
     }
 }
 
@@ -337,7 +356,7 @@ bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression
     if (!read_plain_path(expression, &path))
         return false;
     if (path.filtered == 0) {
-        walk(reinterpret_cast<const xmlNode *>(doc), path.names.data(), path.count,
+        walk(reinterpret_cast<const xmlNode *>(doc), path.steps.data(), path.count,
              [out](xmlNodePtr node) { add_to(out, node); });
         return true;
     }
@@ -359,7 +378,7 @@ xmlNodePtr jxml_index_parent(jxml_index *index, xmlDocPtr doc, const char *expre
     path_selection selection{};
     if (!read_plain_path(expression, &path) || path.filtered)
         return nullptr;
-    walk(reinterpret_cast<const xmlNode *>(doc), path.names.data(), path.count,
+    walk(reinterpret_cast<const xmlNode *>(doc), path.steps.data(), path.count,
          [&](xmlNodePtr node) { add_to(&selection, node); });
     if (index && index->doc == doc) {
         try {
@@ -379,21 +398,25 @@ void jxml_index_added(jxml_index *all, xmlNodePtr element) {
         if (relate(index, element) != relation::same)
             return;
         index.parent = element->parent;
-        add(index, number_of(element, index.attribute), element);
+        add(index, number_of(element, attribute_of(index)), element);
     });
 }
 
 void jxml_index_attribute_set(jxml_index *all, xmlNodePtr element, const char *name) {
     change_each(all, [element, name](number_index &index) {
-        if (index.attribute == name && relate(index, element) == relation::same)
-            add(index, number_of(element, index.attribute), element);
+        if (is_filter_above(index, element, name))
+            drop(index);
+        else if (attribute_of(index) == name && relate(index, element) == relation::same)
+            add(index, number_of(element, attribute_of(index)), element);
     });
 }
 
 void jxml_index_attribute_lost(jxml_index *all, xmlNodePtr element, const char *name) {
     change_each(all, [element, name](number_index &index) {
-        if (index.attribute == name && relate(index, element) == relation::same)
-            forget(index, number_of(element, index.attribute), element);
+        if (is_filter_above(index, element, name))
+            drop(index);
+        else if (attribute_of(index) == name && relate(index, element) == relation::same)
+            forget(index, number_of(element, attribute_of(index)), element);
     });
 }
 
@@ -403,7 +426,7 @@ void jxml_index_removed(jxml_index *all, xmlNodePtr element) {
     change_each(all, [element](number_index &index) {
         switch (relate(index, element)) {
         case relation::same:
-            forget(index, number_of(element, index.attribute), element);
+            forget(index, number_of(element, attribute_of(index)), element);
             break;
         case relation::above:
             drop(index);

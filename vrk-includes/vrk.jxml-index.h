@@ -1,8 +1,8 @@
 // Plain paths: what they select in a document is answered without XPath, numbered elements from an index.
 //
-// A plain path is an absolute expression of element names without prefixes, of which one at most has the filter
-// "[@NAME=NUMBER]" with a whole number: "/resourcefile/resource/string[@number=5]/label". XPath visits every element
-// for it; here the elements with a numeric NAME are sorted by their number once, and looked up from then on. The
+// A plain path is an absolute expression of element names without prefixes, behind each of which the filter
+// "[@NAME=NUMBER]" with a whole number may stand: "/resourcefile/resource/string[@number=5]/label". XPath visits every
+// element for it; here the elements at the last filter are sorted by their number once, and looked up from then on. The
 // answers are those of XPath 1.0 through libxml2: names match elements and attributes in no namespace only, an
 // attribute that comes from a DTD is none, and neither is a child behind an entity reference; the number of an
 // attribute is libxml2's cast.
