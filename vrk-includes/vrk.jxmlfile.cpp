@@ -7,8 +7,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string_view>
 #include <utility>
+
+#include <sys/stat.h>
 
 #include <libxml/entities.h>
 #include <libxml/parserInternals.h>
@@ -16,6 +19,7 @@
 
 #include "vrk.jxmlfile.h"
 
+#include "vrk.jxml-bounds.h"
 #include "vrk.numbers.h"
 #include "vrk.pathname.h"
 
@@ -38,9 +42,8 @@ constexpr size_t STEP_SIZE = 128;   // one step of an expression, and each of it
 constexpr size_t NUMBER_SIZE = 328; // any number as text: a double prints as 318 characters at most
 constexpr size_t TAG_LINE_SIZE = 1024;
 
-// Ends an evaluation that would take minutes. The paths of resource files need about ten operations for each element,
-// so a document that comes near it would not fit into memory.
-constexpr unsigned long EVALUATION_LIMIT = 100'000'000;
+// Ends an evaluation that would take minutes. The paths of resource files need about ten operations for each element.
+constexpr unsigned long EVALUATION_LIMIT = 10 * JXML_PIECE_LIMIT;
 
 // The libxml2 that evaluations can be limited with. The one that is there when the program runs may be older than the
 // headers, and its contexts shorter.
@@ -288,6 +291,59 @@ static xml_doc accepted(t_jxmlfile *holder, xml_doc document, const char *name) 
     return document;
 }
 
+// The bytes of a regular file; false when they cannot be had, or are more than libxml2 counts.
+static bool read_file(const char *path, byte_buffer *bytes) {
+    constexpr size_t PIECE_SIZE = 65536;
+    struct stat status;
+    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode)) // a pipe would be waited for
+        return false;
+    const std::unique_ptr<std::FILE, Releaser<std::fclose>> file(std::fopen(path, "rb"));
+    size_t count = file ? 1 : 0;
+    while (count > 0 && bytes->length <= INT_MAX) {
+        char *place = reserve(bytes, PIECE_SIZE);
+        if (!place)
+            return false;
+        count = std::fread(place, 1, PIECE_SIZE, file.get());
+        bytes->length += count;
+    }
+    return file && !std::ferror(file.get()) && bytes->length <= INT_MAX;
+}
+
+// Looks a text through before libxml2 does; false when it is not to be read, which has been reported.
+static bool is_bounded(const t_jxmlfile *holder, std::string_view *text, const char *name) {
+    try {
+        const jxml_refusal refusal = jxml_bounds_check(text);
+        if (refusal.format)
+            object_error(holder->owner, refusal.format, name, refusal.limit);
+        return !refusal.format;
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+}
+
+// Hands the rest of a text to libxml2 piece by piece. From memory at once it would not read more than ten megabytes.
+static int take_piece(void *rest, char *buffer, int size) {
+    auto *text = static_cast<std::string_view *>(rest);
+    const size_t taken = text->copy(buffer, static_cast<size_t>(size));
+    text->remove_prefix(taken);
+    return static_cast<int>(taken);
+}
+
+// The document of a text; null when it does not parse. `url` is where the text comes from, or null.
+static xml_doc parsed(const t_jxmlfile *holder, std::string_view text, const char *name, const char *url) {
+    const quiet_libxml quiet;
+    const xml_parser parser(xmlNewParserCtxt());
+    if (!parser)
+        return nullptr;
+    xmlDictSetLimit(parser->dict, JXML_NAME_BYTES); // its table does not grow with it, so that it gets slow
+    xml_doc document(xmlCtxtReadIO(parser.get(), take_piece, nullptr, &text, url, nullptr, PARSE_OPTIONS));
+    if (document && document->dict)
+        xmlDictSetLimit(document->dict, 0);
+    else if (!document && xmlDictGetUsage(parser->dict) > JXML_NAME_BYTES / 2)
+        object_error(holder->owner, "names in %s take more than %ld bytes", name, static_cast<long>(JXML_NAME_BYTES));
+    return document;
+}
+
 static void replace_document(t_jxmlfile *holder, xml_doc document) {
     jxml_index_free(std::exchange(holder->index, nullptr));
     {
@@ -438,11 +494,15 @@ void jxmlfile_doread(t_jxmlfile *holder) {
     if (!holder || !holder->file_path)
         return;
     const char *path = holder->file_path->s_name;
+    byte_buffer bytes;
+    const bool was_read = read_file(path, &bytes);
+    std::string_view text(bytes.bytes.get(), bytes.length);
+    const bool is_bounded_text = was_read && is_bounded(holder, &text, path);
     xml_doc document;
     {
         const critical_section region;
-        const quiet_libxml quiet;
-        document.reset(xmlReadFile(path, nullptr, PARSE_OPTIONS));
+        if (is_bounded_text)
+            document = parsed(holder, text, path, path);
     }
     document = accepted(holder, std::move(document), path);
     holder->loaded = document ? 1 : 0;
@@ -1280,14 +1340,28 @@ static size_t attributes_length(const xmlNode *element, const char *without) {
     return length;
 }
 
+// The attributes and namespaces in an element's start tag.
+static long attribute_count(const xmlNode *element) {
+    long count = 0;
+    for (const xmlAttr *attribute = element->properties; attribute; attribute = attribute->next)
+        ++count;
+    for (const xmlNs *declared = element->nsDef; declared; declared = declared->next)
+        ++count;
+    return count;
+}
+
 // Whether an attribute can be set so that the file can be read again; says why not.
-static bool can_hold_attribute(t_jxmlfile *holder, const xmlNode *element, const char *name, const char *value) {
+static bool can_hold_attribute(t_jxmlfile *holder, xmlNode *element, const char *name, const char *value) {
     if (!is_xml_name(name) || is_declared(element, name)) {
         object_error(holder->owner, "\"%s\" cannot name an attribute", name);
         return false;
     }
     if (!can_hold_text(holder, value, std::strlen(value)))
         return false;
+    if (!xmlHasProp(element, as_xml(name)) && attribute_count(element) >= JXML_ATTRIBUTE_LIMIT) {
+        object_error(holder->owner, "attributes are too many for xml (more than %ld)", JXML_ATTRIBUTE_LIMIT);
+        return false;
+    }
     if (attributes_length(element, name) + written_length(value) > START_TAG_LIMIT) {
         object_error(holder->owner, "attributes are too long for xml (more than %ld bytes)",
                      static_cast<long>(START_TAG_LIMIT));
@@ -1399,11 +1473,10 @@ long jxmlfile_edsave(t_jxmlfile *holder, char **text, long size, const char *fil
     const char *bytes = text ? *text : nullptr;
     const size_t length = bytes && size > 0 ? strnlen(bytes, static_cast<size_t>(size)) : 0;
     const char *name = filename ? filename : holder->write_path ? holder->write_path->s_name : "";
+    std::string_view edited(bytes, length);
     xml_doc document;
-    if (length <= INT_MAX) {
-        const quiet_libxml quiet;
-        document.reset(xmlReadMemory(bytes, static_cast<int>(length), filename, nullptr, PARSE_OPTIONS));
-    }
+    if (length <= INT_MAX && is_bounded(holder, &edited, name))
+        document = parsed(holder, edited, name, filename);
     document = accepted(holder, std::move(document), name);
     if (document) { // else what was held stays, and its file is not overwritten with it
         replace_document(holder, std::move(document));

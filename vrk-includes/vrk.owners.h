@@ -30,6 +30,7 @@ template <typename T> using host_block = std::unique_ptr<T, Releaser<sysmem_free
 template <typename T> using malloc_array = std::unique_ptr<T[], Releaser<std::free>>;
 
 using xml_doc = std::unique_ptr<xmlDoc, Releaser<xmlFreeDoc>>;
+using xml_parser = std::unique_ptr<xmlParserCtxt, Releaser<xmlFreeParserCtxt>>;
 using xml_node = std::unique_ptr<xmlNode, Releaser<xmlFreeNode>>; // only while it is in no document
 using xml_text = std::unique_ptr<xmlChar, XmlTextReleaser>;
 using xpath_context = std::unique_ptr<xmlXPathContext, Releaser<xmlXPathFreeContext>>;

@@ -359,6 +359,7 @@ void Script::wait(Atoms words) {
 void Script::fail(Atoms words) { fail_nth_allocation(number(words, 0, "number")); }
 
 void Script::memory(Atoms) {
-    const auto [blocks, objects] = memory_in_use();
-    transcript_.line("memory: " + std::to_string(blocks) + " blocks, " + std::to_string(objects) + " objects");
+    const MemoryInUse in_use = memory_in_use();
+    transcript_.line("memory: " + std::to_string(in_use.blocks) + " blocks, " + std::to_string(in_use.objects) +
+                     " objects");
 }

@@ -1,0 +1,252 @@
+// Files that would keep libxml2 busy for minutes, or fill the memory, are refused before it sees them.
+#include "support/xml-test.h"
+
+#include "vrk.jxml-bounds.h"
+
+using namespace maxhost;
+
+namespace {
+
+std::string repeated(long times, const std::string &text) {
+    std::string all;
+    all.reserve(static_cast<size_t>(times) * text.size());
+    for (long i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
+// " PREFIX0=''" and so on, with END between the quotes.
+std::string attributes(long count, const std::string &prefix = "k", const std::string &value = "") {
+    std::string all;
+    for (long i = 0; i < count; ++i)
+        all += " " + prefix + std::to_string(i) + "='" + value + "'";
+    return all;
+}
+
+// A document type with so many words, the names of the declaration included.
+std::string words(long count, const std::string &declarations = "") {
+    return "<!DOCTYPE a [" + declarations + "<!ELEMENT a (" + repeated(count - 3, "b|") + "b)>]><a/>";
+}
+
+std::string utf16(const std::string &text, bool big_endian) {
+    std::string wide = big_endian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char c : text)
+        wide += big_endian ? std::string(1, '\0') + c : c + std::string(1, '\0');
+    return wide;
+}
+
+// Why a text is refused, for the name "it"; "read" when it is not.
+std::string verdict(const std::string &text) {
+    std::string_view seen(text);
+    const jxml_refusal refusal = jxml_bounds_check(&seen);
+    char line[200];
+    std::snprintf(line, sizeof line, refusal.format ? refusal.format : "read", "it", refusal.limit);
+    return line;
+}
+
+// How much of a text libxml2 gets to see.
+std::string cut(const std::string &text) {
+    std::string_view seen(text);
+    EXPECT_EQ(jxml_bounds_check(&seen).format, nullptr);
+    return std::string(seen);
+}
+
+const std::string many_attributes = "a tag of it has more than 1000 attributes";
+const std::string many_pieces = "it has more than 2000000 tags, attributes and references";
+const std::string many_words = "the document type of it has more than 20000 words";
+const std::string many_comparisons = "attributes of it need more than 2000000000 comparisons";
+const std::string many_identifiers = "it has more than 100000 identifiers";
+
+using XmlBounds = XmlTest;
+
+} // namespace
+
+// ---- what is counted: just below the bound, and at it
+
+TEST(JxmlBounds, AttributesOfATag) {
+    EXPECT_EQ(verdict("<a" + attributes(1000) + "/>"), "read");
+    EXPECT_EQ(verdict("<a" + attributes(1001) + "/>"), many_attributes);
+    EXPECT_EQ(verdict("<a" + attributes(500, "xmlns:p", "u") + attributes(501) + "/>"), many_attributes);
+    EXPECT_EQ(verdict("<a><b" + attributes(600) + "/><b" + attributes(600) + "/></a>"), "read");
+}
+
+TEST(JxmlBounds, AttributesWithinAnEntity) {
+    const auto entity = [](const std::string &value) {
+        return "<!DOCTYPE a [<!ENTITY e \"" + value + "\">]><a>&e;</a>";
+    };
+    EXPECT_EQ(verdict(entity("<b" + attributes(1000) + "/>")), "read");
+    EXPECT_EQ(verdict(entity("<b" + attributes(1001) + "/>")), many_attributes);
+    EXPECT_EQ(verdict(entity("&#60;b" + repeated(1001, " k&#61;''") + "/>")), many_attributes);
+    EXPECT_EQ(verdict(entity(repeated(2000, "x=y "))), "read") << "no tag is in it";
+}
+
+TEST(JxmlBounds, Pieces) {
+    for (const char *piece : {"<a/>", "&#1;"}) {
+        EXPECT_EQ(verdict("<r>" + repeated(1'999'999, piece) + "</r>"), "read") << piece;
+        EXPECT_EQ(verdict("<r>" + repeated(2'000'000, piece) + "</r>"), many_pieces) << piece;
+    }
+    EXPECT_EQ(verdict("<r>" + repeated(400'000, "<a k=''/><!----><?p?><![CDATA[]]>") + "</r>"), many_pieces);
+    EXPECT_EQ(verdict("<r k='" + repeated(2'000'000, "&e;") + "'/>"), many_pieces);
+}
+
+TEST(JxmlBounds, WordsOfADocumentType) {
+    EXPECT_EQ(verdict(words(20'000)), "read");
+    EXPECT_EQ(verdict(words(20'001)), many_words);
+    EXPECT_EQ(verdict(words(19'995, "<!ENTITY e 'a text of many words'>")), "read");
+    EXPECT_EQ(verdict("<!DOCTYPE a [<!ENTITY % p '" + repeated(200, "b|") + "'>" + repeated(100, "%p;") + "]><a/>"),
+              many_words)
+        << "what stands for declarations counts wherever it stands";
+}
+
+TEST(JxmlBounds, ComparisonsOfAttributesAndNamespaces) {
+    EXPECT_EQ(verdict("<r>" + repeated(1900, "<a" + attributes(1000) + "/>") + "</r>"), "read");
+    const std::string nested = repeated(10, "<r" + attributes(999, "xmlns:p", "u") + ">");
+    EXPECT_EQ(verdict(nested + repeated(190'000, "<a/>")), "read");
+    EXPECT_EQ(verdict(nested + repeated(200'000, "<a/>")), many_comparisons);
+    EXPECT_EQ(verdict("<r>" + repeated(100'000, "<a xmlns:p='u'/>") + "</r>"), "read") << "they go out of scope";
+    const std::string defaults = "<!DOCTYPE r [<!ATTLIST a " + repeated(1000, "b CDATA '' ") + ">]><r>";
+    EXPECT_EQ(verdict(defaults + repeated(100, "<a/>") + "</r>"), "read");
+    EXPECT_EQ(verdict(defaults + repeated(1000, "<a/>") + "</r>"), many_comparisons);
+}
+
+TEST(JxmlBounds, Identifiers) {
+    const std::string declared = "<!DOCTYPE r [<!ATTLIST a i ID #IMPLIED>]>", element = "<a i=''/>";
+    EXPECT_EQ(verdict("<r>" + repeated(100'000, "<a xml:id=''/>") + "</r>"), "read");
+    EXPECT_EQ(verdict("<r>" + repeated(100'001, "<a xml:id=''/>") + "</r>"), many_identifiers);
+    EXPECT_EQ(verdict(declared + "<r>" + repeated(100'001, element) + "</r>"), many_identifiers);
+    EXPECT_EQ(verdict("<r>" + repeated(100'001, element) + "</r>"), "read");
+}
+
+// ---- what hides tags from a look at the bytes
+
+TEST(JxmlBounds, NothingIsReadBehindAPlaceWhereAllParsersGiveUp) {
+    const std::string tag = "<hidden" + attributes(2000) + ">";
+    for (const std::string start : {"<a k=\"",
+                                    "<a k='",
+                                    "<a \"",
+                                    "<a k=v '",
+                                    "<a k",
+                                    "<a",
+                                    "</a ",
+                                    "<a/><!-- \x01 ",
+                                    "<a/><!-- \xEF\xBF\xBF ",
+                                    "<a/><!-- \xED\xA0\x80 ",
+                                    "<a><![CDATA[ \x02",
+                                    "<a><? ",
+                                    "<a><?1 ",
+                                    "<a><!x ",
+                                    "<a>< ",
+                                    "<!DOCTYPE \"",
+                                    "<!DOCTYPE a [<",
+                                    "<!DOCTYPE a [<!ELEMENT a ",
+                                    "<!DOCTYPE a [<!ELEMENT a > ",
+                                    "<!DOCTYPE a [] ",
+                                    "<!DOCTYPE a [%p",
+                                    "<!DOCTYPE a [<!ATTLIST a ] "})
+        EXPECT_EQ(cut(start + tag + "\" '-->]]>?>>").find("k1999"), std::string::npos) << start;
+    EXPECT_EQ(verdict("<?xml version=\"1.0\" >" + tag + "?>"), many_attributes);
+    EXPECT_EQ(cut("<a><!--" + std::string(10'000'001, 'x') + tag + "-->").find("k1999"), std::string::npos)
+        << "libxml2 leaves a comment that is too long";
+    EXPECT_EQ(cut(repeated(300, "<a>") + tag).find("k1999"), std::string::npos);
+}
+
+TEST(JxmlBounds, WellFormedTextsAreNotCut) {
+    for (const std::string text :
+         {"<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes'?>\n<!-- < \" -- > --><a/>\n",
+          "<!DOCTYPE a SYSTEM \"x'y\" [<!ENTITY e '<b k=\"1\">]]></b>'><!-- ' --><?p ' ?> %p;\n]\n >\n<a>&e;</a>",
+          "<!DOCTYPE a><a k='>' l = \"'\"\n>text > ' \" ]] <b /></a>", "<a><![CDATA[<b k=]] >]]]]><?p <b k=?></a >",
+          "\xEF\xBB\xBF<a>\xC3\xA9</a>", "<\xC3\xA9 \xC3\xA9='\xED\x9F\xBF'/>"}) {
+        std::string_view seen(text);
+        EXPECT_EQ(jxml_bounds_check(&seen).format, nullptr) << text;
+        EXPECT_EQ(seen, text);
+    }
+}
+
+TEST(JxmlBounds, OnlyEncodingsInWhichMarkupIsSeen) {
+    const auto declared = [](const std::string &name) { return "<?xml version='1.0' encoding='" + name + "'?><a/>"; };
+    for (const char *name : {"UTF-8", "utf-8", "ISO-8859-1", "iso-8859-15", "US-ASCII", "windows-1252", "Shift_JIS",
+                             "EUC-JP", "GBK", "Big5", "KOI8-R", "UTF-16"})
+        EXPECT_EQ(verdict(declared(name)), "read") << name;
+    for (const char *name : {"UTF-7", "UTF-16LE", "ISO-2022-JP", "HZ", "IBM037", "UCS-4", "EBCDIC-US"})
+        EXPECT_EQ(verdict(declared(name)), "the encoding of it is not supported") << name;
+    EXPECT_EQ(verdict(std::string("\0\0\0<", 4)), "the encoding of it is not supported");
+    EXPECT_EQ(verdict("\x4C\x6F\xA7\x94"), "the encoding of it is not supported");
+    for (const bool big_endian : {false, true}) {
+        EXPECT_EQ(verdict(utf16(declared("UTF-16"), big_endian)), "read");
+        EXPECT_EQ(verdict(utf16(declared("UTF-7"), big_endian)), "the encoding of it is not supported");
+        EXPECT_EQ(verdict(utf16("<a" + attributes(1001) + "/>", big_endian)), many_attributes);
+        EXPECT_EQ(verdict(utf16("<?xml?><a" + attributes(1001) + "/>", big_endian).substr(2)), many_attributes);
+    }
+}
+
+// ---- through the holder
+
+TEST_F(XmlBounds, ARefusalIsToldBeforeTheFile) {
+    EXPECT_EQ(load("<a" + attributes(1001) + "/>"), 1);
+    EXPECT_EQ(holder->loaded, 0);
+    EXPECT_EQ(holder->doc, nullptr);
+    EXPECT_EQ(take_lines(), (Lines{error("a tag of " + path_of("test.xml") + " has more than 1000 attributes"),
+                                   error("unable to parse file " + path_of("test.xml"))}));
+    EXPECT_EQ(load("<a" + attributes(1000, "k", "v") + "/>", "other.xml"), 1);
+    EXPECT_EQ(attribute("a k999"), "v");
+}
+
+TEST_F(XmlBounds, NamesAreBounded) {
+    std::string names;
+    for (long i = 0; i < 60'000; ++i)
+        names += "<a-name-of-quite-some-length-" + std::to_string(i) + "/>";
+    EXPECT_EQ(load("<a>" + names.substr(0, names.find("-20000/>") + 8) + "</a>"), 1);
+    EXPECT_EQ(count("a *"), "20001");
+    EXPECT_EQ(take_lines(), Lines());
+    EXPECT_EQ(load("<a>" + names + "</a>"), 1);
+    EXPECT_EQ(take_lines(), (Lines{error("names in " + path_of("test.xml") + " take more than 1000000 bytes"),
+                                   error("unable to parse file " + path_of("test.xml"))}));
+}
+
+TEST_F(XmlBounds, LargeFilesAreReadAsLongAsTheyAreSimple) {
+    const std::string bytes = "<b><![CDATA[" + std::string(4'000'000, 'F') + "]]></b>";
+    ASSERT_EQ(load("<a>" + repeated(5, bytes) + "</a>"), 1);
+    EXPECT_EQ(count("a b"), "5");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlBounds, TheEditorsTextIsBoundedToo) {
+    load("<kept/>");
+    std::string text = "<a" + attributes(1001) + "/>";
+    char *edited = text.data();
+    jxmlfile_edsave(holder, &edited, static_cast<long>(text.size()), nullptr, 0);
+    EXPECT_EQ(document(), "<kept/>");
+    EXPECT_EQ(take_lines(), (Lines{error("a tag of " + path_of("test.xml") + " has more than 1000 attributes"),
+                                   error("unable to parse file " + path_of("test.xml"))}));
+}
+
+TEST_F(XmlBounds, NoMoreAttributesAreSetThanCanBeReadAgain) {
+    load("<a" + attributes(998) + " xmlns:p='u'/>");
+    EXPECT_EQ(setattr("a last v"), 0);
+    EXPECT_EQ(setattr("a more v"), -1);
+    EXPECT_EQ(setattr("a last w"), 0) << "it is there already";
+    EXPECT_EQ(take_lines(), Lines{error("attributes are too many for xml (more than 1000)")});
+    ASSERT_TRUE(reload());
+    EXPECT_EQ(attribute("a last"), "w");
+}
+
+TEST_F(XmlBounds, WideTextInSixteenBitsIsRead) {
+    write_file("wide.xml", utf16("<?xml version=\"1.0\" encoding=\"UTF-16\"?><a>text</a>", false));
+    jxmlfile_read(holder, gensym("wide.xml"));
+    drain_queue();
+    EXPECT_EQ(text("a"), "text");
+}
+
+TEST_F(XmlBounds, ItemsOfAWideMenuAreNotSearchedForInAll) {
+    std::string items;
+    for (int i = 0; i < 2000; ++i)
+        items += "<menu-item number='" + std::to_string(i) + "'>" + std::to_string(i) + "</menu-item>";
+    load("<resourcefile><resource><menu number='3'>" + items + "</menu></resource></resourcefile>");
+    const std::string path = "resourcefile resource menu attr number 3 menu-item attr number ";
+    for (int i = 0; i < 2000; ++i) {
+        path_selection selected;
+        EXPECT_TRUE(jxml_index_select(&holder->index, holder->doc, expression(typed(path + std::to_string(i))).c_str(),
+                                      &selected));
+        ASSERT_EQ(selected.count, 1);
+    }
+}
