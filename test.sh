@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds with AddressSanitizer and UndefinedBehaviorSanitizer and runs every test; then the tests of the two threads
-# under ThreadSanitizer.
+# under ThreadSanitizer; then every fuzzer for some seconds.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -11,3 +11,4 @@ build_preset dev
 ctest --preset dev
 build_preset tsan thread-tests soak-tests
 ctest --preset tsan
+fuzz/run.sh 5

@@ -12,3 +12,6 @@ install_packages() {
 
 # What every build needs.
 build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libpng-dev libjpeg62-turbo-dev libcli11-dev nlohmann-json3-dev)
+
+# What the fuzzers need besides.
+fuzz_packages=(clang libclang-rt-14-dev)

@@ -1,0 +1,7 @@
+// Patcher files in JSON: whatever opens is saved, and what is saved opens.
+#include "fuzz.h"
+
+FUZZ_TARGET(input) {
+    if (!fuzz::could_leave_the_folder(input))
+        fuzz::Host().open_and_save_patcher(input);
+}
