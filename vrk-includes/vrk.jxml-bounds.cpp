@@ -185,9 +185,15 @@ bool Scanner::skip_construct(std::string_view beginning, std::string_view ending
     return count_pieces(1);
 }
 
+// One whose target does not begin in ASCII may be none to libxml2, so that no tag may be in it.
 bool Scanner::processing_instruction() {
-    if (at_ + 2 < text_.size() && starts_name(text_[at_ + 2]))
+    const size_t target = at_ + 2;
+    if (target >= text_.size() || !starts_name(text_[target]))
+        return false;
+    const size_t tag = text_.find('<', target);
+    if (static_cast<signed char>(text_[target]) > 0 || tag > text_.find("?>", target))
         return skip_construct("<?", "?>");
+    at_ = std::min(tag, text_.size());
     return false;
 }
 

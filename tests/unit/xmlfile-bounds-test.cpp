@@ -134,6 +134,7 @@ TEST(JxmlBounds, NothingIsReadBehindAPlaceWhereAllParsersGiveUp) {
                                     "<a><![CDATA[ \x02",
                                     "<a><? ",
                                     "<a><?1 ",
+                                    "<a><?\xC3\x97 ",
                                     "<a><!x ",
                                     "<a>< ",
                                     "<!DOCTYPE \"",
