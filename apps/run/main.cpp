@@ -8,8 +8,10 @@
 
 #include <CLI/CLI.hpp>
 
-#include "script.h"
-#include "transcript.h"
+#include "script/program.h"
+#include "script/script.h"
+#include "script/stage.h"
+#include "script/transcript.h"
 
 namespace {
 
@@ -51,33 +53,9 @@ void describe(CLI::App &app, Options &options) {
                "and more verbs of host. A box in a patcher in a box is named OUTER::INNER.");
 }
 
-// The plug-in that is built beside this program.
-std::string default_plugin() {
-    std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (program.parent_path() / VRK_PLUGIN_FILE).string();
-}
-
-// A file of that name in the current folder goes before those in the search path.
-std::string in_current_folder(const std::string &name) {
-    std::error_code error;
-    const bool is_here = !std::filesystem::path(name).has_parent_path() && std::filesystem::exists(name, error);
-    return is_here ? "./" + name : name;
-}
-
 int fail(const std::string &reason) {
     std::cerr << "vrk-run: " << reason << '\n';
     return wrong_usage;
-}
-
-bool load_plugins(const Options &options, std::string &reason) {
-    std::vector<std::string> plugins = options.plugins;
-    if (plugins.empty())
-        plugins.push_back(default_plugin());
-    for (const std::string &plugin : plugins)
-        if (!maxhost::load_plugin(plugin, reason))
-            return false;
-    return true;
 }
 
 int run_script(Script &script, const std::string &file) {
@@ -92,7 +70,8 @@ int run_script(Script &script, const std::string &file) {
 }
 
 int open_and_run(Transcript &transcript, const Options &options) {
-    Script script(transcript);
+    Stage stage;
+    Script script(transcript, stage);
     std::string reason;
     if (!options.patcher.empty() && !script.open_file(in_current_folder(options.patcher), reason))
         return fail(reason);
@@ -101,7 +80,7 @@ int open_and_run(Transcript &transcript, const Options &options) {
 
 int run(const Options &options) {
     std::string reason;
-    if (!load_plugins(options, reason))
+    if (!load_plugins(options.plugins, reason))
         return fail(reason);
     maxhost::set_search_folders(options.search);
     Transcript transcript(stdout);

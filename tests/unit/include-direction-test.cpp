@@ -21,7 +21,9 @@ const std::map<std::string, std::set<std::string>> allowed{
     {"host/ui", {"host/api", "host/kernel"}},
     {"host/ui/boxes", {"host/api", "host/kernel", "host/ui"}},
     {"host/embed", {"host/api", "host/kernel", "host/files", "host/ui", "host/ui/boxes"}},
-    {"apps/run", {"host/api", "host/embed"}},
+    {"apps/script", {"host/api", "host/embed"}},
+    {"apps/run", {"host/api", "host/embed", "apps/script"}},
+    {"apps/window", {"host/api", "host/embed", "apps/script", "vrk.owners", "vrk.pathname", "vrk.jxmlfile"}},
     {"apps/xml", {"host/api", "host/embed", "vrk.owners", "vrk.pathname", "vrk.jxmlfile", "vrk.jxml-resfile"}},
     {"vrk.owners", {"host/api"}},
     {"vrk.jattributes", {"host/api"}},
@@ -48,7 +50,7 @@ std::string part_of(const fs::path &file) {
 // The file of the tree that an #include names, relative to the root; empty for system headers.
 fs::path resolve(const fs::path &root, const fs::path &from, const std::string &name) {
     for (const fs::path &folder :
-         {from.parent_path(), fs::path("host"), fs::path("host/api"), fs::path("vrk-includes")})
+         {from.parent_path(), fs::path("host"), fs::path("host/api"), fs::path("vrk-includes"), fs::path("apps")})
         if (fs::exists(root / folder / name))
             return (folder / name).lexically_normal();
     return {};

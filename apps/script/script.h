@@ -5,17 +5,22 @@
 #include <string>
 
 #include "embed/host.h"
+#include "stage.h"
 #include "transcript.h"
 
 class Script {
   public:
-    explicit Script(Transcript &transcript) : transcript_(transcript) {}
-    ~Script();
-    Script(const Script &) = delete;
-    Script &operator=(const Script &) = delete;
+    // Both outlive the script.
+    Script(Transcript &transcript, Stage &stage) : transcript_(transcript), stage_(stage) {}
 
     // Carries out every line. At a line that is no command it stops and is false; `reason` says "NAME:LINE: why".
     bool run(std::istream &lines, const std::string &name, std::string &reason);
+
+    // Carries out one line. False at a line that is no command; `reason` says why.
+    bool run_line(const std::string &line, std::string &reason);
+
+    // Whether the script has the draining of the queue stopped.
+    bool holds_queue() const { return held_; }
 
     // Opens a patcher, in place of the one that is open, and drains the queue. False when it cannot be opened; `reason`
     // then says "FILE: why".
@@ -28,7 +33,7 @@ class Script {
     struct NamedVerb;
     static const NamedVerb verbs_[];
 
-    void run_line(const std::string &line);
+    void carry_out(const std::string &line);
     void command(const t_symbol *word, Messages messages);
     void host(Atoms words);
 
@@ -62,9 +67,10 @@ class Script {
 
     t_object *patcher(); // the open one; an untitled one is opened when none is
     t_object *box(Atoms words, size_t at);
+    t_object *box_of(t_symbol *name);
     t_symbol *attribute_of(t_object *box, Atoms words, size_t at);
 
     Transcript &transcript_;
-    t_object *patcher_ = nullptr;
+    Stage &stage_;
     bool held_ = false;
 };

@@ -90,18 +90,11 @@ const Script::NamedVerb Script::verbs_[] = {
     {"drain", &Script::drain}, {"release", &Script::release}, {"fail", &Script::fail},     {"memory", &Script::memory},
 };
 
-Script::~Script() {
-    if (patcher_)
-        free_patcher(patcher_);
-}
-
 bool Script::run(std::istream &lines, const std::string &file, std::string &reason) {
     std::string line;
     for (long count = 1; std::getline(lines, line); ++count) {
-        try {
-            run_line(line);
-        } catch (const NoCommand &why) {
-            reason = file + ":" + std::to_string(count) + ": " + why.what();
+        if (!run_line(line, reason)) {
+            reason = file + ":" + std::to_string(count) + ": " + reason;
             return false;
         }
     }
@@ -111,16 +104,25 @@ bool Script::run(std::istream &lines, const std::string &file, std::string &reas
 }
 
 bool Script::open_file(const std::string &file, std::string &reason) {
-    close({});
-    patcher_ = maxhost::open_patcher(file, reason);
-    if (!patcher_)
+    const bool is_open = stage_.open(file, reason);
+    if (!is_open)
         reason = file + ": " + reason;
     else if (!held_)
         drain_queue();
-    return patcher_ != nullptr;
+    return is_open;
 }
 
-void Script::run_line(const std::string &line) {
+bool Script::run_line(const std::string &line, std::string &reason) {
+    try {
+        carry_out(line);
+        return true;
+    } catch (const NoCommand &why) {
+        reason = why.what();
+        return false;
+    }
+}
+
+void Script::carry_out(const std::string &line) {
     const size_t start = line.find_first_not_of(" \t\r");
     if (start == line.npos || line.compare(start, 2, "//") == 0)
         return;
@@ -140,12 +142,8 @@ void Script::command(const t_symbol *first, Messages messages) {
         return deliver_on_scheduler(messages);
     if (text.starts_with('#'))
         return deliver_to_receiver(const_cast<t_symbol *>(first), messages);
-    if (!is_command_word(text)) {
-        t_object *named = patcher_ ? box_named(patcher_, const_cast<t_symbol *>(first)) : nullptr;
-        if (!named)
-            refuse("no box is named \"" + std::string(text) + "\"");
-        return deliver(named, messages);
-    }
+    if (!is_command_word(text))
+        return deliver(box_of(const_cast<t_symbol *>(first)), messages);
     if (messages.size() > 1)
         refuse("one command a line");
     const Atoms words = messages.front().atoms;
@@ -163,18 +161,19 @@ void Script::host(Atoms words) {
 // ---- boxes and messages
 
 t_object *Script::patcher() {
-    if (!patcher_)
-        patcher_ = new_patcher();
-    return patcher_;
+    if (!stage_.patcher())
+        stage_.make_untitled();
+    return stage_.patcher();
 }
 
-t_object *Script::box(Atoms words, size_t at) {
-    t_symbol *wanted = name(words, at, "name of a box");
-    t_object *found = patcher_ ? box_named(patcher_, wanted) : nullptr;
+t_object *Script::box_of(t_symbol *wanted) {
+    t_object *found = stage_.patcher() ? box_named(stage_.patcher(), wanted) : nullptr;
     if (!found)
         refuse(std::string("no box is named \"") + wanted->s_name + "\"");
     return found;
 }
+
+t_object *Script::box(Atoms words, size_t at) { return box_of(name(words, at, "name of a box")); }
 
 void Script::make_box(Atoms words) {
     t_symbol *box_name = name(words, 0, "name of the box");
@@ -240,11 +239,7 @@ void Script::deliver_to_receiver(t_symbol *receiver, Messages messages) {
 
 // ---- what is said to the host
 
-void Script::close(Atoms) {
-    if (patcher_)
-        free_patcher(patcher_);
-    patcher_ = nullptr;
-}
+void Script::close(Atoms) { stage_.close(); }
 
 void Script::open(Atoms words) {
     std::string reason;
