@@ -107,7 +107,7 @@ bool save_patcher(t_object *patcher, const std::string &file, std::string &reaso
     if (!replace_whole_file(path.string(), patcher_text(*found), reason))
         return false;
     set_patcher_folder(path.parent_path().string());
-    found->dirty = false;
+    set_clean(patcher);
     return true;
 }
 
@@ -125,8 +125,9 @@ bool is_dirty(t_object *patcher) {
 }
 
 void set_clean(t_object *patcher) {
-    if (auto *found = expect<Patcher>(patcher, "set_clean"))
-        found->dirty = false;
+    auto *found = expect<Patcher>(patcher, "set_clean");
+    if (found && found->dirty.exchange(false))
+        tell_of_change(*found);
 }
 
 t_object *open_patcher_view(t_object *patcher) {
@@ -195,6 +196,8 @@ bool connect_boxes(t_object *from, long outlet, t_object *to, long inlet) {
     if (!found || inlet < 0 || inlet >= inlet_count(to))
         return false;
     between_deliveries([&] { connect(*found, {to, inlet}); });
+    if (auto *patcher = as<Patcher>(reinterpret_cast<t_jbox *>(to)->b_patcher))
+        tell_of_change(*patcher);
     return true;
 }
 
@@ -296,13 +299,15 @@ bool click_box(t_object *box) {
     return true;
 }
 
-DrawList painted_row(t_object *box, long position) {
+DrawList painted_row(t_object *box, long position, t_object *patcher_view, long width) {
     DataView *view = view_of(box);
     if (!view)
         return {};
+    if (auto *shown_in = as<PatcherView>(patcher_view))
+        return paint_row(*view, *shown_in, position, width);
     const auto release_view = [](PatcherView *v) { object_free(v); };
     const std::unique_ptr<PatcherView, decltype(release_view)> offscreen(create<PatcherView>());
-    return paint_row(*view, *offscreen, position);
+    return paint_row(*view, *offscreen, position, width);
 }
 
 std::string assistance(t_object *box, bool inlet, long index) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "embed/shown.h"
 #include "ext_obex.h"
 #include "files/paths.h"
 #include "files/sysfile.h"
@@ -140,8 +141,9 @@ MAXHOST_EMBED bool press_key(t_object *box, Key key);
 // Clicks the box itself; false for one that has no use for it.
 MAXHOST_EMBED bool click_box(t_object *box);
 
-// What the plug-in draws for the row at a position.
-MAXHOST_EMBED DrawList painted_row(t_object *box, long position);
+// What the plug-in draws for the row at a position, in a patcher view or, without one, in one of its own. A `width` is
+// that of the row where it is shown, which the right column fills; 0 is the width that the column asks for.
+MAXHOST_EMBED DrawList painted_row(t_object *box, long position, t_object *patcher_view = nullptr, long width = 0);
 
 // The assistance text of an inlet or outlet; empty when the box tells none.
 MAXHOST_EMBED std::string assistance(t_object *box, bool inlet, long index);

@@ -12,7 +12,7 @@ namespace maxhost {
 MAXHOST_EMBED void set_search_folders(std::vector<std::string> folders);
 
 // The folder of the patcher that is open; empty while it has none.
-void set_patcher_folder(const std::string &folder);
+MAXHOST_EMBED void set_patcher_folder(const std::string &folder);
 
 // Where a bare file name is written: the patcher's folder, else the current one. A full path.
 std::string default_folder();

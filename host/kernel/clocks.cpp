@@ -8,6 +8,7 @@
 
 #include "ext_proto.h"
 #include "kernel/critical.h"
+#include "kernel/frontend.h"
 #include "kernel/objects.h"
 
 namespace maxhost {
@@ -40,6 +41,16 @@ void stop(Clock &clock) {
     if (clock.set)
         timetable().due.erase(&clock);
     clock.set = false;
+}
+
+void start(Clock &clock, double delay) {
+    Timetable &times = timetable();
+    std::lock_guard lock(times.mutex);
+    stop(clock);
+    clock.due = times.now + delay;
+    clock.turn = ++times.turns;
+    clock.set = true;
+    times.due.insert(&clock);
 }
 
 // Takes the next clock that is due before or at `until` out, and lets the time be its own; null when there is none.
@@ -83,6 +94,12 @@ bool run_next_clock(double until) {
     return true;
 }
 
+std::optional<double> next_clock_due() {
+    const Timetable &times = timetable();
+    std::lock_guard lock(timetable().mutex);
+    return times.due.empty() ? std::nullopt : std::optional((*times.due.begin())->due);
+}
+
 } // namespace maxhost
 
 using namespace maxhost;
@@ -100,12 +117,9 @@ void clock_fdelay(void *x, double f) {
     auto *clock = expect<Clock>(x, "clock_fdelay");
     if (!clock)
         return;
-    std::lock_guard lock(timetable().mutex);
-    stop(*clock);
-    clock->due = timetable().now + (std::isnan(f) ? shortest_delay : std::clamp(f, shortest_delay, longest_delay));
-    clock->turn = ++timetable().turns;
-    clock->set = true;
-    timetable().due.insert(clock);
+    start(*clock, std::isnan(f) ? shortest_delay : std::clamp(f, shortest_delay, longest_delay));
+    if (front_end().work)
+        front_end().work();
 }
 
 void clock_unset(void *x) {

@@ -1,6 +1,8 @@
 // Clocks: tasks for later, on a time that passes only when the program says so.
 #pragma once
 
+#include <optional>
+
 #include "kernel/classes.h"
 #include "kernel/export.h"
 
@@ -12,6 +14,9 @@ MAXHOST_EMBED double clock_time();
 // Lets time pass up to the next task that is due before or at `until`, and runs it. False when none is; then it is
 // `until`. Time never goes back.
 MAXHOST_EMBED bool run_next_clock(double until);
+
+// When the next task is due; nothing when none is. Any thread.
+MAXHOST_EMBED std::optional<double> next_clock_due();
 
 struct Clock : t_object {
     void *object = nullptr;

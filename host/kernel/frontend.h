@@ -36,8 +36,14 @@ struct FrontEnd {
     // Answers the file that a person chooses, or an empty text when the dialog is cancelled.
     std::function<std::string(const std::string &prompt, const std::string &proposal)> save_dialog;
     std::function<void(t_object *editor, EditorEvent)> editor;
-    // (any) A box wants to be painted again.
+    // (any) A box wants to be painted again: what it shows has changed, or a button was hit.
     std::function<void(t_object *box)> repaint;
+    // (any) Boxes or cords of a patcher have come or gone, or its mark of being changed has.
+    std::function<void(t_object *patcher)> patcher_changed;
+    // A box is about to go; it is not to be touched any more.
+    std::function<void(t_object *box)> box_goes;
+    // (any) There is work for the main thread: something was queued, or a clock was set. May come often.
+    std::function<void()> work;
 };
 
 // The one in force. It is replaced only while no plug-in code runs.

@@ -11,6 +11,7 @@
 #include "kernel/console.h"
 #include "kernel/critical.h"
 #include "kernel/door.h"
+#include "kernel/frontend.h"
 #include "kernel/trace.h"
 
 namespace maxhost {
@@ -100,6 +101,26 @@ size_t run_round() {
 constexpr long most_rounds = 10'000;
 constexpr size_t most_tasks = 10'000'000;
 
+// The queue's mutex is not held.
+void tell_of_work() {
+    if (front_end().work)
+        front_end().work();
+}
+
+// True for a queue element that was set, whether it was before or not.
+bool set_element(void *x) {
+    std::lock_guard lock(queue().mutex);
+    if (!is_element(x))
+        return false;
+    auto *element = static_cast<QueueElement *>(x);
+    if (!element->queued) {
+        queue().entries.push_back({element->object, element->task, nullptr, {}, element});
+        element->place = std::prev(queue().entries.end());
+    }
+    element->queued = true;
+    return true;
+}
+
 } // namespace
 
 void drain_queue() {
@@ -136,9 +157,12 @@ void *defer_low(void *ob, method fn, t_symbol *sym, short argc, t_atom *argv) {
     Entry entry{ob, fn, sym, {}, nullptr};
     if (argv)
         entry.atoms.assign(argv, argv + argc);
-    std::lock_guard lock(queue().mutex);
-    queue().entries.push_back(std::move(entry));
-    queue().deferred[ob].push_back(std::prev(queue().entries.end()));
+    {
+        std::lock_guard lock(queue().mutex);
+        queue().entries.push_back(std::move(entry));
+        queue().deferred[ob].push_back(std::prev(queue().entries.end()));
+    }
+    tell_of_work();
     return nullptr;
 }
 
@@ -151,19 +175,9 @@ void *qelem_new(void *obj, method fn) {
 
 void qelem_set(t_qelem *x) {
     trace(trace_queue, "qelem_set");
-    {
-        std::lock_guard lock(queue().mutex);
-        if (is_element(x)) {
-            auto *element = static_cast<QueueElement *>(x);
-            if (!element->queued) {
-                queue().entries.push_back({element->object, element->task, nullptr, {}, element});
-                element->place = std::prev(queue().entries.end());
-            }
-            element->queued = true;
-            return;
-        }
-    }
-    misuse("qelem_set", "not a living queue element");
+    if (!set_element(x))
+        return misuse("qelem_set", "not a living queue element");
+    tell_of_work();
 }
 
 void qelem_free(t_qelem *x) {

@@ -57,6 +57,7 @@ t_max_err set_fontname(t_jbox *box, void *, long ac, t_atom *av) {
     if (ac < 1 || atom_gettype(av) != A_SYM || atom_getsym(av) == gensym(""))
         return MAX_ERR_GENERIC;
     state_of(box).font_name = atom_getsym(av);
+    show_again(box);
     return MAX_ERR_NONE;
 }
 
@@ -70,6 +71,7 @@ t_max_err set_fontsize(t_jbox *box, void *, long ac, t_atom *av) {
     if (ac < 1)
         return MAX_ERR_GENERIC;
     state_of(box).font_size = font_size_of(atom_getfloat(av));
+    show_again(box);
     return MAX_ERR_NONE;
 }
 
@@ -81,6 +83,7 @@ t_max_err set_patching_rect(t_jbox *box, void *, long ac, t_atom *av) {
         parts[i] = atom_getfloat(av + i);
     const HeldRegion hold; // messages set it on both threads
     box->b_patching_rect = rect_of(parts);
+    show_again(box);
     return MAX_ERR_NONE;
 }
 
@@ -119,6 +122,11 @@ void read_dictionary(t_jbox *box, const t_dictionary *dictionary) {
 BoxState *box_state(const void *box) {
     const Record *record = box ? record_of(box) : nullptr;
     return record && record->cls->is_box ? static_cast<BoxState *>(static_cast<const t_jbox *>(box)->obex) : nullptr;
+}
+
+void show_again(t_jbox *box) {
+    if (front_end().repaint)
+        front_end().repaint(&box->b_ob);
 }
 
 } // namespace maxhost
@@ -164,6 +172,8 @@ void jbox_free(t_jbox *b) {
     if (!expect_box(b, "jbox_free"))
         return;
     record_of(b)->ready = false;
+    if (front_end().box_goes)
+        front_end().box_goes(&b->b_ob);
     for (DataView *view : state_of(b).views)
         view->client = nullptr;
     cut_cords(&b->b_ob);
@@ -179,8 +189,8 @@ t_max_err jbox_notify(t_jbox *b, t_symbol *, t_symbol *, void *, void *) {
 
 void jbox_redraw(t_jbox *b) {
     trace(trace_view, "jbox_redraw");
-    if (expect_box(b, "jbox_redraw") && front_end().repaint)
-        front_end().repaint(&b->b_ob);
+    if (expect_box(b, "jbox_redraw"))
+        show_again(b);
 }
 
 t_symbol *jbox_get_fontname(t_object *b) {

@@ -1,9 +1,9 @@
 // The box part of an instance: rectangle, font, name, and the data views in it.
 #pragma once
 
+#include <atomic>
 #include <list>
 #include <memory>
-#include <atomic>
 #include <vector>
 
 #include "jpatcher_api.h"
@@ -30,5 +30,8 @@ struct BoxState {
 
 // The state of a living box; null for anything else.
 BoxState *box_state(const void *box);
+
+// Has the front end show a box again. Any thread.
+void show_again(t_jbox *box);
 
 } // namespace maxhost

@@ -74,7 +74,9 @@ ViewState view_state(DataView &view) {
             view.columns.empty() ? 0 : width_of(*view.columns.front()),
             view.font_name,
             view.font_size,
-            view.border};
+            view.border,
+            view.vertical_bar,
+            view.horizontal_bar};
 }
 
 bool select_as_person(DataView &view, long position) {
@@ -92,7 +94,7 @@ bool select_as_person(DataView &view, long position) {
     return true;
 }
 
-DrawList paint_row(DataView &view, PatcherView &patcher_view, long position) {
+DrawList paint_row(DataView &view, PatcherView &patcher_view, long position, long width) {
     t_rowref row;
     long height;
     bool selected;
@@ -106,10 +108,13 @@ DrawList paint_row(DataView &view, PatcherView &patcher_view, long position) {
         return {};
     t_jgraphics context;
     patcher_view.context = &context;
-    for (const Column *column : view.columns)
+    for (const Column *column : view.columns) {
+        const bool fills = view.autosize_right_column && column == view.columns.back() && width > 0;
+        const long cell = fills ? width : width_of(*column);
+        width -= cell;
         if (column->custom_paint)
-            object_method(view.client, column->custom_paint, &patcher_view, column->name, row, width_of(*column),
-                          height, selected);
+            object_method(view.client, column->custom_paint, &patcher_view, column->name, row, cell, height, selected);
+    }
     patcher_view.context = nullptr;
     return std::move(context.drawn);
 }

@@ -52,7 +52,8 @@ ViewState view_state(DataView &view);
 // Selects the row at a position as a person does and sends "selected" to the client; false when there is no such row.
 bool select_as_person(DataView &view, long position);
 
-// Has the client paint the cells of the row at a position; empty when there is no such row.
-DrawList paint_row(DataView &view, PatcherView &patcher_view, long position);
+// Has the client paint the cells of the row at a position; empty when there is no such row. With a `width`, that of the
+// whole row, the right column fills what the others leave, if it is to.
+DrawList paint_row(DataView &view, PatcherView &patcher_view, long position, long width);
 
 } // namespace maxhost

@@ -7,6 +7,7 @@
 #include "ext_proto.h"
 #include "kernel/attributes.h"
 #include "kernel/dictionary.h"
+#include "kernel/frontend.h"
 #include "kernel/objects.h"
 #include "kernel/outlets.h"
 #include "kernel/trace.h"
@@ -106,6 +107,7 @@ std::list<t_jbox *>::iterator enter_box(Patcher &patcher, t_jbox *box) {
         patcher.by_name[box->b_name].push_back(box);
     if (box->b_id)
         patcher.by_id[box->b_id].push_back(box);
+    tell_of_change(patcher);
     return patcher.boxes.insert(patcher.boxes.end(), box);
 }
 
@@ -113,6 +115,12 @@ void leave_patcher(Patcher &patcher, t_jbox *box, std::list<t_jbox *>::iterator 
     forget_name(patcher.by_name, box->b_name, box);
     forget_name(patcher.by_id, box->b_id, box);
     patcher.boxes.erase(place);
+    tell_of_change(patcher);
+}
+
+void tell_of_change(Patcher &patcher) {
+    if (front_end().patcher_changed)
+        front_end().patcher_changed(&patcher);
 }
 
 Patcher &outermost(Patcher &patcher) {
@@ -155,7 +163,9 @@ t_max_err jpatcher_set_dirty(t_object *p, char c) {
     auto *patcher = expect<Patcher>(p, "jpatcher_set_dirty");
     if (!patcher)
         return MAX_ERR_INVALID_PTR;
-    outermost(*patcher).dirty = c != 0;
+    Patcher &whole = outermost(*patcher);
+    if (whole.dirty.exchange(c != 0) != (c != 0))
+        tell_of_change(whole);
     return MAX_ERR_NONE;
 }
 

@@ -60,6 +60,9 @@ t_object *find_box(const Patcher &patcher, t_symbol *name);
 std::list<t_jbox *>::iterator enter_box(Patcher &patcher, t_jbox *box);
 void leave_patcher(Patcher &patcher, t_jbox *box, std::list<t_jbox *>::iterator place);
 
+// Tells the front end that boxes or cords have come or gone, or the mark of being changed has. Any thread.
+void tell_of_change(Patcher &patcher);
+
 // The patcher that is in no box, around this one.
 Patcher &outermost(Patcher &patcher);
 

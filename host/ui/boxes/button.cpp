@@ -12,9 +12,12 @@ using Button = HostBox<ButtonParts>;
 
 t_class *button_class;
 
-void button_anything(Button *x, t_symbol *, long, t_atom *) { send_bang(x->parts->outlet); }
+void button_click(Button *x) {
+    show_again(&x->box); // it flashes
+    send_bang(x->parts->outlet);
+}
 
-void button_click(Button *x) { send_bang(x->parts->outlet); }
+void button_anything(Button *x, t_symbol *, long, t_atom *) { button_click(x); }
 
 void button_assist(Button *, void *, long kind, long index, char *text) {
     assist_with(text, kind, index, {"Anything, for a bang"}, {"Bang"});

@@ -14,8 +14,16 @@ using Comment = HostBox<CommentParts>;
 t_class *comment_class;
 
 void comment_set(Comment *x, t_symbol *, long argc, t_atom *argv) {
+    {
+        const HeldRegion hold;
+        change_text(x->parts->text, typed_atoms({argv, static_cast<size_t>(argc)}));
+    }
+    show_again(&x->box);
+}
+
+void comment_content(Comment *x, std::vector<t_atom> *content) {
     const HeldRegion hold;
-    change_text(x->parts->text, typed_atoms({argv, static_cast<size_t>(argc)}));
+    content->push_back(symbol_atom(gensym(x->parts->text.shown.c_str())));
 }
 
 void comment_save(Comment *x, t_dictionary *dictionary) {
@@ -44,6 +52,7 @@ void register_comment() {
     comment_class = new_box_class<CommentParts>("comment", comment_new, BoxKind::shown);
     add_method(comment_class, comment_set, "set");
     add_private(comment_class, comment_save, "jsave");
+    add_private(comment_class, comment_content, "boxcontent");
     add_private(comment_class, comment_assist, "assist");
     class_register(CLASS_BOX, comment_class);
 }

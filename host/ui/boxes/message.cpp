@@ -89,12 +89,17 @@ void message_anything(MessageBox *x, t_symbol *selector, long argc, t_atom *argv
     std::vector<t_atom> atoms;
     append_message(atoms, message);
     if (edit(*x->parts, message, atoms))
-        return;
+        return show_again(&x->box);
     if (selector != gensym("bang")) {
         const HeldRegion hold;
         set_arguments(*x->parts, atoms);
     }
     send_messages(x);
+}
+
+void message_content(MessageBox *x, std::vector<t_atom> *content) {
+    const HeldRegion hold;
+    content->push_back(symbol_atom(gensym(x->parts->text.shown.c_str())));
 }
 
 void message_save(MessageBox *x, t_dictionary *dictionary) {
@@ -128,6 +133,7 @@ void register_message() {
     add_method(message_class, message_anything, "anything");
     add_private(message_class, send_messages, "click");
     add_private(message_class, message_save, "jsave");
+    add_private(message_class, message_content, "boxcontent");
     add_private(message_class, message_assist, "assist");
     class_register(CLASS_BOX, message_class);
 }

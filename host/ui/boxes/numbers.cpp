@@ -41,15 +41,30 @@ void number_send(Number *x) {
 }
 
 void number_set(Number *x, t_symbol *, long argc, t_atom *argv) {
+    {
+        const HeldRegion hold;
+        if (argc > 0)
+            x->parts->value = fitted(*x->parts, argv[0]);
+    }
+    show_again(&x->box);
+}
+
+void number_content(Number *x, std::vector<t_atom> *content) {
     const HeldRegion hold;
-    if (argc > 0)
-        x->parts->value = fitted(*x->parts, argv[0]);
+    content->push_back(x->parts->value);
 }
 
 // "int", "float" and "list", of which the first number counts.
 void number_number(Number *x, t_symbol *selector, long argc, t_atom *argv) {
     number_set(x, selector, argc, argv);
     number_send(x);
+}
+
+// A person has typed a number, or, without one, has come to the end of dragging.
+void number_entered(Number *x, long argc, t_atom *argv) {
+    send_bang(x->parts->entered);
+    if (argc > 0)
+        number_number(x, nullptr, argc, argv);
 }
 
 void number_assist(Number *, void *, long kind, long index, char *text) {
@@ -88,6 +103,8 @@ t_class *register_class(const char *name, BoxConstructor make) {
         add_method(cls, number_number, kind);
     add_method(cls, number_set, "set");
     add_private(cls, number_assist, "assist");
+    add_private(cls, number_content, "boxcontent");
+    add_private(cls, number_entered, "entered");
     class_register(CLASS_BOX, cls);
     return cls;
 }

@@ -41,19 +41,33 @@ void textfield_bang(TextField *x) {
 }
 
 void textfield_set(TextField *x, t_symbol *, long argc, t_atom *argv) {
-    const HeldRegion hold;
-    change_text(x->parts->text, shown_text({argv, static_cast<size_t>(argc)}));
+    {
+        const HeldRegion hold;
+        change_text(x->parts->text, shown_text({argv, static_cast<size_t>(argc)}));
+    }
+    show_again(&x->box);
 }
 
 void textfield_append(TextField *x, t_symbol *, long argc, t_atom *argv) {
-    const HeldRegion hold;
-    const std::string &before = x->parts->text.shown;
-    change_text(x->parts->text, before + (before.empty() ? "" : " ") + shown_text({argv, static_cast<size_t>(argc)}));
+    {
+        const HeldRegion hold;
+        const std::string before = x->parts->text.shown + (x->parts->text.shown.empty() ? "" : " ");
+        change_text(x->parts->text, before + shown_text({argv, static_cast<size_t>(argc)}));
+    }
+    show_again(&x->box);
 }
 
-void textfield_clear(TextField *x) {
+void textfield_clear(TextField *x) { textfield_set(x, nullptr, 0, nullptr); }
+
+void textfield_content(TextField *x, std::vector<t_atom> *content) {
     const HeldRegion hold;
-    change_text(x->parts->text, "");
+    content->push_back(symbol_atom(gensym(x->parts->text.shown.c_str())));
+}
+
+// A person has entered a text.
+void textfield_entered(TextField *x, long argc, t_atom *argv) {
+    textfield_set(x, nullptr, argc, argv);
+    textfield_bang(x);
 }
 
 // Any other message is a text that is entered.
@@ -108,6 +122,8 @@ void register_textfield() {
     add_method(textfield_class, textfield_anything, "anything");
     add_private(textfield_class, textfield_save, "jsave");
     add_private(textfield_class, textfield_assist, "assist");
+    add_private(textfield_class, textfield_content, "boxcontent");
+    add_private(textfield_class, textfield_entered, "entered");
     class_addattr(textfield_class, attr_offset_new("outputmode", gensym("long"), ATTR_FLAGS_NONE,
                                                    reinterpret_cast<method>(get_outputmode),
                                                    reinterpret_cast<method>(set_outputmode), 0));

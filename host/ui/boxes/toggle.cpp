@@ -18,6 +18,7 @@ void toggle_send(Toggle *x, bool on) {
         const HeldRegion hold;
         x->parts->on = on;
     }
+    show_again(&x->box);
     send_int(x->parts->outlet, on);
 }
 
@@ -37,8 +38,16 @@ void toggle_float(Toggle *x, t_symbol *, long argc, t_atom *argv) {
 }
 
 void toggle_set(Toggle *x, t_symbol *, long argc, t_atom *argv) {
+    {
+        const HeldRegion hold;
+        x->parts->on = argc > 0 && atom_getfloat(argv) != 0;
+    }
+    show_again(&x->box);
+}
+
+void toggle_content(Toggle *x, std::vector<t_atom> *content) {
     const HeldRegion hold;
-    x->parts->on = argc > 0 && atom_getfloat(argv) != 0;
+    content->push_back(long_atom(x->parts->on));
 }
 
 void toggle_assist(Toggle *, void *, long kind, long index, char *text) {
@@ -64,6 +73,7 @@ void register_toggle() {
     add_method(toggle_class, toggle_set, "set");
     add_private(toggle_class, toggle_bang, "click");
     add_private(toggle_class, toggle_assist, "assist");
+    add_private(toggle_class, toggle_content, "boxcontent");
     class_register(CLASS_BOX, toggle_class);
 }
 
