@@ -88,7 +88,9 @@ t_object *open_patcher(const std::string &file, std::string &reason) {
     const fs::path whole(path);
     set_patcher_folder(whole.parent_path().string());
     Patcher *patcher = read_patcher(text, whole.filename().string(), reason);
-    if (!patcher)
+    if (patcher)
+        patcher->file = path;
+    else
         set_patcher_folder("");
     return patcher;
 }
@@ -107,8 +109,14 @@ bool save_patcher(t_object *patcher, const std::string &file, std::string &reaso
     if (!replace_whole_file(path.string(), patcher_text(*found), reason))
         return false;
     set_patcher_folder(path.parent_path().string());
+    found->file = path.lexically_normal().string();
     set_clean(patcher);
     return true;
+}
+
+std::string file_of_patcher(t_object *patcher) {
+    const auto *found = expect<Patcher>(patcher, "file_of_patcher");
+    return found ? found->file : "";
 }
 
 void free_patcher(t_object *patcher) {

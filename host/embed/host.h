@@ -61,6 +61,9 @@ MAXHOST_EMBED t_object *open_patcher(const std::string &file, std::string &reaso
 // is then marked unchanged. False with the reason when that fails: a file that was there is as it was.
 MAXHOST_EMBED bool save_patcher(t_object *patcher, const std::string &file, std::string &reason);
 
+// The full path of the file that a patcher was opened from, or saved to since; empty when there is none.
+MAXHOST_EMBED std::string file_of_patcher(t_object *patcher);
+
 MAXHOST_EMBED void free_patcher(t_object *patcher);
 MAXHOST_EMBED bool is_dirty(t_object *patcher);
 MAXHOST_EMBED void set_clean(t_object *patcher);

@@ -90,9 +90,9 @@ bool enter_value(t_object *box, std::span<const t_atom> value) {
 
 Pixels pixels_of(const t_jsurface &image) { return {image.rgba.data(), image.width, image.height}; }
 
-t_object *outermost_patcher(t_object *patcher) {
-    auto *found = expect<Patcher>(patcher, "outermost_patcher");
-    return found ? &outermost(*found) : nullptr;
+t_object *box_around(t_object *patcher) {
+    const auto *found = expect<Patcher>(patcher, "box_around");
+    return found && found->owner ? &found->owner->b_ob : nullptr;
 }
 
 } // namespace maxhost

@@ -40,7 +40,7 @@ struct Pixels {
 };
 MAXHOST_EMBED Pixels pixels_of(const t_jsurface &image);
 
-// The patcher around the box that a patcher is in; the patcher itself when it is in none.
-MAXHOST_EMBED t_object *outermost_patcher(t_object *patcher);
+// The box that a patcher is in; null when it is in none.
+MAXHOST_EMBED t_object *box_around(t_object *patcher);
 
 } // namespace maxhost

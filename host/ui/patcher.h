@@ -32,6 +32,7 @@ struct Patcher : t_object {
     t_jbox *owner = nullptr;                                     // the box that this patcher is in
     long newest_id = 0;                                          // of "obj-N"
     std::atomic<bool> dirty{false};                              // of a patcher that is in no box
+    std::string file;                                            // full path; empty until it is opened or saved
     std::unique_ptr<PatcherDocument, DocumentReleaser> document; // what a file said of the patcher
 
     static Class *host_class();

@@ -1,0 +1,107 @@
+// The view of a list.
+#include "listview.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScrollBar>
+
+#include "look.h"
+
+using namespace maxhost;
+
+ListView::ListView(t_object *box, t_object *patcher_view, QWidget *parent)
+    : QTableView(parent), model_(box), delegate_(patcher_view, this) {
+    setItemDelegate(&delegate_);
+    setModel(&model_);
+    setFrameShape(QFrame::NoFrame);
+    setShowGrid(false);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false); // the tabulator goes on to the next box
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    horizontalHeader()->hide();
+    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setMinimumSectionSize(1);
+    verticalHeader()->hide();
+    verticalHeader()->setMinimumSectionSize(1);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    take_colors();
+}
+
+// What is selected is for the plug-in to show.
+void ListView::take_colors() {
+    const Look look = look_of(parentWidget()->palette());
+    QPalette colors = parentWidget()->palette();
+    colors.setColor(QPalette::Base, look.paper);
+    colors.setColor(QPalette::Highlight, Qt::transparent);
+    setPalette(colors);
+}
+
+void ListView::refresh(double zoom) {
+    ViewState state{};
+    data_view_state(model_.box(), state);
+    zoom_ = zoom;
+    delegate_.set_zoom(zoom);
+    const int height = std::max(1, static_cast<int>(std::lround(static_cast<double>(state.row_height) * zoom)));
+    if (verticalHeader()->defaultSectionSize() != height)
+        verticalHeader()->setDefaultSectionSize(height);
+    verticalScrollBar()->setSingleStep(height);
+    setVerticalScrollBarPolicy(state.vertical_bar ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    model_.set_rows(state.rows);
+    if (state.selected != selected_) {
+        selected_ = state.selected;
+        setCurrentIndex(selected_ > 0 ? model_.index(static_cast<int>(selected_) - 1, 0) : QModelIndex());
+    }
+    viewport()->update();
+}
+
+void ListView::mousePressEvent(QMouseEvent *event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && index.isValid())
+        click_row(model_.box(), index.row() + 1);
+}
+
+int ListView::rows_in_a_page() const {
+    return std::max(1, viewport()->height() / std::max(1, verticalHeader()->defaultSectionSize()));
+}
+
+int ListView::row_after(int key, int row) const {
+    switch (key) {
+    case Qt::Key_Up:
+        return row - 1;
+    case Qt::Key_Down:
+        return row + 1;
+    case Qt::Key_PageUp:
+        return row - rows_in_a_page();
+    case Qt::Key_PageDown:
+        return row + rows_in_a_page();
+    case Qt::Key_Home:
+        return 0;
+    case Qt::Key_End:
+        return model_.rowCount() - 1;
+    default:
+        return -1;
+    }
+}
+
+// The first key goes to the first row.
+void ListView::keyPressEvent(QKeyEvent *event) {
+    const int last = model_.rowCount() - 1;
+    const int key = event->key();
+    if (last >= 0 && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+        if (selected_ > 0)
+            click_row(model_.box(), selected_);
+        return;
+    }
+    static const QList<int> moves{Qt::Key_Up,       Qt::Key_Down, Qt::Key_PageUp,
+                                  Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+    if (!moves.contains(key))
+        return event->ignore();
+    if (last >= 0)
+        click_row(model_.box(), std::clamp(row_after(key, static_cast<int>(selected_) - 1), 0, last) + 1);
+}

@@ -1,0 +1,112 @@
+// The script player.
+#include "scriptplayer.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+
+#include <QFileInfo>
+
+using namespace maxhost;
+
+// ---- the stage
+
+Document *WindowStage::document() const {
+    const auto &all = session_.documents();
+    const bool is_open = std::any_of(all.begin(), all.end(), [&](const auto &each) { return each.get() == document_; });
+    return is_open ? document_ : nullptr;
+}
+
+t_object *WindowStage::patcher() { return document() ? document()->patcher() : nullptr; }
+
+bool WindowStage::open(const std::string &file, std::string &reason) {
+    close();
+    QString why;
+    document_ = session_.open(QString::fromStdString(file), why);
+    reason = why.toStdString();
+    return document_ != nullptr;
+}
+
+void WindowStage::make_untitled() {
+    close();
+    document_ = session_.open_untitled();
+}
+
+void WindowStage::close() {
+    if (Document *open = document())
+        session_.close_now(*open);
+    document_ = nullptr;
+}
+
+// ---- the player
+
+ScriptPlayer::ScriptPlayer(Session &session, Transcript &transcript)
+    : session_(session), transcript_(transcript), stage_(session), script_(transcript, stage_) {
+    connect(&timer_, &QTimer::timeout, this, &ScriptPlayer::play_line);
+}
+
+FrontEnd ScriptPlayer::front_end(unsigned traced) {
+    const FrontEnd written = transcript_.front_end(traced);
+    const FrontEnd shown = session_.front_end();
+    FrontEnd both = shown;
+    both.console = [=](ConsoleLine kind, const std::string &object, const std::string &text) {
+        written.console(kind, object, text);
+        shown.console(kind, object, text);
+    };
+    both.refused = [=](const std::string &object, const std::string &attribute, t_max_err result) {
+        written.refused(object, attribute, result);
+        shown.refused(object, attribute, result);
+    };
+    both.editor = [=](t_object *editor, EditorEvent event) {
+        written.editor(editor, event);
+        shown.editor(editor, event);
+    };
+    both.output = written.output;
+    both.trace = written.trace;
+    both.traced = written.traced;
+    both.alert = [=, this](const std::string &text) { is_playing() ? written.alert(text) : shown.alert(text); };
+    both.save_dialog = [=, this](const std::string &prompt, const std::string &proposal) {
+        return is_playing() ? written.save_dialog(prompt, proposal) : shown.save_dialog(prompt, proposal);
+    };
+    return both;
+}
+
+bool ScriptPlayer::start(const std::string &file, Document *document) {
+    name_ = file;
+    lines_ = &std::cin;
+    if (file != "-") {
+        file_.open(file);
+        lines_ = &file_;
+        if (!file_ || std::filesystem::is_directory(file))
+            return false;
+    }
+    stage_.begin_with(document);
+    drain_queue(); // what opening has queued comes before the first line
+    session_.time().stop();
+    timer_.start(0);
+    return true;
+}
+
+void ScriptPlayer::play_all() {
+    while (is_playing())
+        play_line();
+}
+
+void ScriptPlayer::play_line() {
+    if (session_.dialogs().are_open())
+        return;
+    std::string line, reason;
+    if (!std::getline(*lines_, line))
+        return end();
+    ++line_;
+    if (script_.run_line(line, reason))
+        return;
+    failure_ = name_ + ":" + std::to_string(line_) + ": " + reason;
+    end();
+}
+
+void ScriptPlayer::end() {
+    timer_.stop();
+    session_.time().go_on();
+    Q_EMIT ended();
+}

@@ -1,0 +1,70 @@
+// The script player: plays a script in the windows, a line each time that the event loop comes round.
+#pragma once
+
+#include <fstream>
+
+#include <QObject>
+#include <QTimer>
+
+#include "script/script.h"
+#include "session.h"
+
+// The script's patcher is a document in a window.
+class WindowStage : public Stage {
+  public:
+    explicit WindowStage(Session &session) : session_(session) {}
+
+    t_object *patcher() override; // null when a person has closed the window
+    bool open(const std::string &file, std::string &reason) override;
+    void make_untitled() override;
+    void close() override;
+
+    // The document that is open already is the one that the script begins with.
+    void begin_with(Document *document) { document_ = document; }
+
+  private:
+    Document *document() const; // null when it is not open any more
+
+    Session &session_;
+    Document *document_ = nullptr; // to be compared, not touched
+};
+
+// While a script plays, time passes only as the script says, and dialogs are answered by it.
+class ScriptPlayer : public QObject {
+    Q_OBJECT
+
+  public:
+    // Both outlive the player.
+    ScriptPlayer(Session &session, Transcript &transcript);
+
+    // The session's front end with what the transcript writes down.
+    maxhost::FrontEnd front_end(unsigned traced);
+
+    // Begins to play; false when the file ("-": standard input) cannot be read. `document` may be null.
+    bool start(const std::string &file, Document *document);
+
+    // Plays to the end, now.
+    void play_all();
+
+    bool is_playing() const { return timer_.isActive(); }
+
+    // Why the script has stopped at a line that is no command, "FILE:LINE: why"; empty when it has not.
+    const std::string &failure() const { return failure_; }
+
+  Q_SIGNALS:
+    void ended();
+
+  private:
+    void play_line();
+    void end();
+
+    Session &session_;
+    Transcript &transcript_;
+    WindowStage stage_;
+    Script script_;
+    std::ifstream file_;
+    std::istream *lines_ = nullptr;
+    std::string name_, failure_;
+    long line_ = 0;
+    QTimer timer_; // runs while the script does
+};
