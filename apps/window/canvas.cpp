@@ -41,8 +41,9 @@ bool is_presented_box(t_object *box) {
 QPainterPath cord_path(const ShownCord &cord, const QPointF &from, const QPointF &to, double zoom) {
     QPainterPath path(from);
     if (cord.midpoints.empty()) {
-        const double down = to.y() - from.y();
-        const double bend = std::clamp(std::abs(down) / 2 + std::abs(to.x() - from.x()) / 8, 10 * zoom, 60 * zoom);
+        const double down = to.y() - from.y(), aside = std::abs(to.x() - from.x());
+        const double bend = down > 0 ? std::max(std::min(down / 2, 60 * zoom), std::min(aside / 6, 30 * zoom))
+                                     : (30 * zoom + std::min(-down / 4, 30 * zoom));
         path.cubicTo(from + QPointF(0, bend), to - QPointF(0, bend), to);
         return path;
     }
@@ -64,6 +65,7 @@ Canvas::Canvas(t_object *patcher, HostBridge &bridge)
             take_over_boxes();
     });
     setAccessibleName(tr("patcher"));
+    setFocusPolicy(Qt::ClickFocus); // so that a click beside the boxes ends what is typed
     take_over_boxes();
 }
 
@@ -174,12 +176,14 @@ void Canvas::place_boxes() {
 void Canvas::order_focus() {
     std::vector<BoxWidget *> order;
     for (const auto &[box, widget] : widgets_)
-        order.push_back(widget);
+        if (widget->focusPolicy() != Qt::NoFocus || widget->focusProxy())
+            order.push_back(widget);
     std::sort(order.begin(), order.end(), [](const BoxWidget *a, const BoxWidget *b) {
         return a->y() != b->y() ? a->y() < b->y() : a->x() < b->x();
     });
+    const auto taker = [](BoxWidget *box) { return box->focusProxy() ? box->focusProxy() : box; };
     for (size_t i = 1; i < order.size(); ++i)
-        setTabOrder(order[i - 1], order[i]);
+        setTabOrder(taker(order[i - 1]), taker(order[i]));
 }
 
 void Canvas::set_zoom(double zoom) {

@@ -55,7 +55,10 @@ void ListView::refresh(double zoom) {
     model_.set_rows(state.rows);
     if (state.selected != selected_) {
         selected_ = state.selected;
-        setCurrentIndex(selected_ > 0 ? model_.index(static_cast<int>(selected_) - 1, 0) : QModelIndex());
+        const QModelIndex index = selected_ > 0 ? model_.index(static_cast<int>(selected_) - 1, 0) : QModelIndex();
+        setCurrentIndex(index);
+        updateGeometries(); // the rows may be new to the scroll bar
+        scrollTo(index);
     }
     viewport()->update();
 }
@@ -70,7 +73,7 @@ int ListView::rows_in_a_page() const {
     return std::max(1, viewport()->height() / std::max(1, verticalHeader()->defaultSectionSize()));
 }
 
-int ListView::row_after(int key, int row) const {
+int ListView::row_after(int key, int row, int last) const {
     switch (key) {
     case Qt::Key_Up:
         return row - 1;
@@ -83,7 +86,7 @@ int ListView::row_after(int key, int row) const {
     case Qt::Key_Home:
         return 0;
     case Qt::Key_End:
-        return model_.rowCount() - 1;
+        return last;
     default:
         return -1;
     }
@@ -91,11 +94,12 @@ int ListView::row_after(int key, int row) const {
 
 // The first key goes to the first row.
 void ListView::keyPressEvent(QKeyEvent *event) {
-    const int last = model_.rowCount() - 1;
+    ViewState now{}; // the view hears of the last key's effect only when the event is over
+    data_view_state(model_.box(), now);
+    const int last = static_cast<int>(now.rows) - 1, row = static_cast<int>(now.selected) - 1;
     const int key = event->key();
-    if (last >= 0 && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
-        if (selected_ > 0)
-            click_row(model_.box(), selected_);
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        click_row(model_.box(), now.selected); // nothing when none is
         return;
     }
     static const QList<int> moves{Qt::Key_Up,       Qt::Key_Down, Qt::Key_PageUp,
@@ -103,5 +107,5 @@ void ListView::keyPressEvent(QKeyEvent *event) {
     if (!moves.contains(key))
         return event->ignore();
     if (last >= 0)
-        click_row(model_.box(), std::clamp(row_after(key, static_cast<int>(selected_) - 1), 0, last) + 1);
+        click_row(model_.box(), std::clamp(row_after(key, row, last), 0, last) + 1);
 }

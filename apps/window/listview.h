@@ -29,7 +29,7 @@ class ListView : public QTableView {
 
   private:
     int rows_in_a_page() const;
-    int row_after(int key, int row) const; // -1: the key does not move the selection
+    int row_after(int key, int row, int last) const;
 
     ListModel model_;
     CellDelegate delegate_;

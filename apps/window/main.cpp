@@ -114,6 +114,12 @@ int show(Session &session, ScriptPlayer &player, const Options &options) {
     return player.failure().empty() ? status : wrong_usage;
 }
 
+// Without one Qt ends the program in its own way.
+bool has_display() {
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
 int run(const Options &options) {
     if (options.palette == "light")
         QApplication::setPalette(light_palette());
@@ -149,6 +155,8 @@ int main(int argc, char **argv) {
         }
         if (!options.picture.empty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (!has_display())
+            return fail("there is no display; --picture FILE.png shows what would be on it");
         int no_arguments = 1; // Qt's own options are not the program's
         const QApplication qt(no_arguments, argv);
         QApplication::setOrganizationName("vrk.tessaroll");

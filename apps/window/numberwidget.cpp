@@ -55,11 +55,12 @@ void NumberWidget::end_typing(bool enter) {
 }
 
 bool NumberWidget::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
-        end_typing(false);
-        return true;
-    }
-    return BoxWidget::eventFilter(watched, event);
+    const int key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent *>(event)->key() : 0;
+    const bool enters = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (!enters && key != Qt::Key_Escape)
+        return BoxWidget::eventFilter(watched, event);
+    end_typing(enters);
+    return true;
 }
 
 void NumberWidget::keyPressEvent(QKeyEvent *event) {

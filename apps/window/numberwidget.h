@@ -17,7 +17,7 @@ class NumberWidget : public BoxWidget {
   protected:
     void paint_box(QPainter &painter, const QRectF &rect) override;
     void place_content() override;
-    bool eventFilter(QObject *watched, QEvent *event) override; // of the field: escape
+    bool eventFilter(QObject *watched, QEvent *event) override; // of the field: return and escape
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

@@ -61,6 +61,7 @@ PatcherWindow::PatcherWindow(t_object *patcher, Document &document, Session &ses
     connect(&session.bridge(), &HostBridge::patcher_changed, this, [this] { show_title(); });
     show_patcher(patcher);
     fit_to_patcher();
+    current_canvas()->setFocus();
 }
 
 bool PatcherWindow::is_whole() const { return patcher_ == document_.patcher(); }
