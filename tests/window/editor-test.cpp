@@ -1,0 +1,168 @@
+// The text editor window: editing, saving to the owner, finding, closing.
+#include "window-test.h"
+
+#include <QDir>
+#include <QLineEdit>
+#include <QStatusBar>
+#include <QTextBlock>
+#include <QTextLayout>
+
+#include "xmldocument.h"
+
+using namespace maxhost;
+
+class EditorTest : public WindowTest {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void opens_with_text_and_title();
+    void saves_to_the_file();
+    void text_that_does_not_parse_is_not_saved();
+    void file_that_cannot_be_written_is_told();
+    void closing_asks_when_unsaved_data();
+    void closing_asks_when_unsaved();
+    void finds_and_goes_round();
+    void colors_xml();
+    void file_that_is_no_xml_is_refused();
+
+  private:
+    EditorWindow *edit(const QString &content);
+    static QColor color_at(const CodeEdit &text, int line, int column);
+};
+
+EditorWindow *EditorTest::edit(const QString &content) {
+    QFile file(path_of("list.xml"));
+    if (!file.open(QFile::WriteOnly))
+        qFatal("the file cannot be written");
+    file.write(("<?xml version=\"1.0\"?>\n" + content).toUtf8());
+    file.close();
+    register_xml_document();
+    QString reason;
+    if (!edit_xml_file(file.fileName(), reason))
+        qFatal("%s", qPrintable(reason));
+    settle();
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (auto *editor = qobject_cast<EditorWindow *>(window))
+            return editor;
+    return nullptr;
+}
+
+QColor EditorTest::color_at(const CodeEdit &text, int line, int column) {
+    for (const QTextLayout::FormatRange &range : text.document()->findBlockByNumber(line).layout()->formats())
+        if (range.start <= column && column < range.start + range.length)
+            return range.format.foreground().color();
+    return {};
+}
+
+void EditorTest::opens_with_text_and_title() {
+    EditorWindow *window = edit("<a><b>text</b></a>");
+    QVERIFY(window->isVisible());
+    QCOMPARE(window->windowTitle(), "list.xml[*]");
+    QCOMPARE(window->text().toPlainText(), "<?xml version=\"1.0\"?>\n<a>\n  <b>text</b>\n</a>\n");
+    QVERIFY(!window->isWindowModified());
+}
+
+void EditorTest::saves_to_the_file() {
+    EditorWindow *window = edit("<a/>");
+    window->text().selectAll();
+    QTest::keyClicks(&window->text(), "<a>typed</a>");
+    QVERIFY(window->isWindowModified());
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_S, Qt::ControlModifier);
+    QVERIFY(!window->isWindowModified());
+    QVERIFY(read_text(path_of("list.xml")).contains("<a>typed</a>"));
+}
+
+void EditorTest::text_that_does_not_parse_is_not_saved() {
+    EditorWindow *window = edit("<a/>");
+    QTest::keyClicks(&window->text(), "<open>");
+    QVERIFY(!window->save());
+    QVERIFY(window->isWindowModified());
+    QVERIFY(window->statusBar()->currentMessage().startsWith("Not saved: "));
+    QVERIFY(read_text(path_of("list.xml")).contains("<a/>"));
+    window->text().document()->undo();
+}
+
+void EditorTest::file_that_cannot_be_written_is_told() {
+    EditorWindow *window = edit("<a/>");
+    QFile::remove(path_of("list.xml"));
+    QVERIFY(QDir().mkdir(path_of("list.xml")));
+    window->text().selectAll();
+    QTest::keyClicks(&window->text(), "<a>typed</a>");
+    QVERIFY(!window->save());
+    QVERIFY(window->statusBar()->currentMessage().contains("unable to write"));
+}
+
+void EditorTest::closing_asks_when_unsaved_data() {
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("is_closed");
+    QTest::addColumn<bool>("is_saved");
+    QTest::newRow("cancel") << int(QMessageBox::Cancel) << false << false;
+    QTest::newRow("discard") << int(QMessageBox::Discard) << true << false;
+    QTest::newRow("save") << int(QMessageBox::Save) << true << true;
+}
+
+void EditorTest::closing_asks_when_unsaved() {
+    QFETCH(int, answer);
+    EditorWindow *window = edit("<a/>");
+    window->text().selectAll();
+    QTest::keyClicks(&window->text(), "<a>typed</a>");
+    when_asked([&](QDialog &dialog) { press(dialog, static_cast<QMessageBox::StandardButton>(answer)); });
+    window->close();
+    QTEST(!session().editors().are_open(), "is_closed");
+    QTEST(read_text(path_of("list.xml")).contains("typed"), "is_saved");
+}
+
+void EditorTest::finds_and_goes_round() {
+    EditorWindow *window = edit("<a><b>one</b><c>two</c><d>one</d></a>");
+    window->find_bar().open();
+    auto *wanted = window->find_bar().findChild<QLineEdit *>();
+    QTest::keyClicks(wanted, "one");
+    QCOMPARE(window->text().textCursor().selectedText(), "one");
+    const int first = window->text().textCursor().blockNumber();
+    QTest::keyClick(wanted, Qt::Key_Return);
+    QCOMPARE(window->text().textCursor().blockNumber(), first + 2);
+    QVERIFY(window->find_bar().find_next());
+    QCOMPARE(window->text().textCursor().blockNumber(), first);
+    QVERIFY(window->find_bar().find_previous());
+    QCOMPARE(window->text().textCursor().blockNumber(), first + 2);
+    wanted->setText("three");
+    QVERIFY(!window->find_bar().find_next());
+}
+
+void EditorTest::colors_xml() {
+    EditorWindow *window = edit("<a/>");
+    CodeEdit &text = window->text();
+    text.setPlainText("<tag name=\"value\">text &amp; more</tag>\n<!-- a\ncomment --><x/>\n<two\n  lines='v'/>");
+    text.document()->setModified(false);
+    const QColor element = color_at(text, 0, 1), attribute = color_at(text, 0, 6), value = color_at(text, 0, 12);
+    QVERIFY(element.isValid() && attribute.isValid() && value.isValid());
+    QVERIFY(element != attribute && attribute != value && value != element);
+    QCOMPARE(color_at(text, 0, 19), QColor()); // the text itself
+    QVERIFY(color_at(text, 0, 25).isValid());  // an entity
+    QCOMPARE(color_at(text, 2, 2), color_at(text, 1, 2));
+    QCOMPARE(color_at(text, 2, 12), element);
+    QCOMPARE(color_at(text, 4, 3), attribute);
+    QCOMPARE(color_at(text, 4, 9), value);
+}
+
+void EditorTest::file_that_is_no_xml_is_refused() {
+    QFile file(path_of("no.xml"));
+    QVERIFY(file.open(QFile::WriteOnly));
+    file.write("no xml");
+    file.close();
+    register_xml_document();
+    QString reason;
+    QVERIFY(!edit_xml_file(path_of("no.xml"), reason));
+    QVERIFY(!edit_xml_file(path_of("missing.xml"), reason));
+    QCOMPARE(reason, "not found");
+    QVERIFY(!session().editors().are_open());
+}
+
+int run_editor_tests(int argc, char **argv) {
+    EditorTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "editor-test.moc"

@@ -1,0 +1,246 @@
+// The patcher window: tabs, inner patchers, presentation, files, the console.
+#include "window-test.h"
+
+#include <QAction>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QMimeData>
+#include <QTabWidget>
+
+#include "picture.h"
+
+using namespace maxhost;
+
+namespace {
+
+const QString message_box = box_json("m", "message", "20, 20, 80, 22", "\"text\": \"go\"");
+const QString embedding_list = box_json("list", "vrk.tessaroll", "20, 60, 100, 80", "\"embed\": 1");
+
+QString inner_json(const QString &id, const QString &text, const QString &keys, const QString &boxes) {
+    return box_json(id, "newobj", "20, 150, 80, 22",
+                    QString("\"text\": \"%1\", \"patcher\": {\"fileversion\": 1, %2 \"boxes\": [%3], \"lines\": []}")
+                        .arg(text, keys, boxes));
+}
+
+} // namespace
+
+class PatcherWindowTest : public WindowTest {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void title_tells_name_and_change();
+    void closing_asks_when_changed_data();
+    void closing_asks_when_changed();
+    void saving_writes_the_file();
+    void saving_as_takes_the_new_name();
+    void reverting_reads_the_file_again();
+    void file_that_is_not_there_is_told();
+    void files_are_dropped_in();
+    void recent_files_are_kept();
+    void inner_patcher_opens_on_double_click();
+    void tabs_show_inner_patchers();
+    void presentation_shows_its_boxes();
+    void console_counts_errors();
+    void dark_palette_keeps_texts_readable();
+    void picture_is_what_the_window_shows();
+
+  private:
+    QAction *action(PatcherWindow *window, const QString &text) const;
+};
+
+QAction *PatcherWindowTest::action(PatcherWindow *window, const QString &text) const {
+    for (QAction *each : window->findChildren<QAction *>())
+        if (each->text().remove('&') == text)
+            return each;
+    return nullptr;
+}
+
+void PatcherWindowTest::title_tells_name_and_change() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    QCOMPARE(window->windowTitle(), "test.maxpat[*]");
+    QVERIFY(!window->isWindowModified());
+    send("list", "append one");
+    QVERIFY(window->isWindowModified());
+    action(window, "Save")->trigger();
+    settle();
+    QVERIFY(!window->isWindowModified());
+}
+
+void PatcherWindowTest::closing_asks_when_changed_data() {
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("is_closed");
+    QTest::addColumn<bool>("is_saved");
+    QTest::newRow("cancel") << int(QMessageBox::Cancel) << false << false;
+    QTest::newRow("discard") << int(QMessageBox::Discard) << true << false;
+    QTest::newRow("save") << int(QMessageBox::Save) << true << true;
+}
+
+void PatcherWindowTest::closing_asks_when_changed() {
+    QFETCH(int, answer);
+    PatcherWindow *window = open_boxes(embedding_list);
+    send("list", "append \"kept item\"");
+    bool was_asked = false;
+    when_asked([&](QDialog &dialog) {
+        was_asked = true;
+        press(dialog, static_cast<QMessageBox::StandardButton>(answer));
+    });
+    window->close();
+    QVERIFY(was_asked);
+    QTEST(session().documents().empty(), "is_closed");
+    QTEST(read_text(path_of("test.maxpat")).contains("kept item"), "is_saved");
+}
+
+void PatcherWindowTest::saving_writes_the_file() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    send("list", "append \"an item\"");
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_S, Qt::ControlModifier);
+    QVERIFY(read_text(path_of("test.maxpat")).contains("an item"));
+    QVERIFY(!session().documents().front()->is_changed());
+}
+
+void PatcherWindowTest::saving_as_takes_the_new_name() {
+    PatcherWindow *window = open_boxes(message_box);
+    when_asked([&](QDialog &dialog) {
+        static_cast<QFileDialog &>(dialog).selectFile(path_of("other.maxpat"));
+        QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    action(window, "Save As…")->trigger();
+    QCOMPARE(window->windowTitle(), "other.maxpat[*]");
+    QVERIFY(read_text(path_of("other.maxpat")).contains("\"go\""));
+}
+
+void PatcherWindowTest::reverting_reads_the_file_again() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    send("list", "append one, append two");
+    QCOMPARE(view().rows, 2);
+    when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Discard); });
+    action(window, "Revert")->trigger();
+    settle();
+    QCOMPARE(view().rows, 0);
+    QVERIFY(!window->isWindowModified());
+    QCOMPARE(session().documents().front()->windows().constFirst(), window);
+}
+
+void PatcherWindowTest::file_that_is_not_there_is_told() {
+    PatcherWindow *window = open_boxes(message_box);
+    QString told;
+    when_asked([&](QDialog &dialog) {
+        told = static_cast<QMessageBox &>(dialog).text();
+        dialog.reject();
+    });
+    session().open_and_tell("missing.maxpat", window);
+    QCOMPARE(told, "missing.maxpat cannot be opened: not found");
+}
+
+void PatcherWindowTest::files_are_dropped_in() {
+    PatcherWindow *window = open_boxes(message_box);
+    QFile::copy(path_of("test.maxpat"), path_of("dropped.maxpat"));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path_of("dropped.maxpat"))});
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window, &drop);
+    QCOMPARE(session().documents().size(), 2u);
+    QCOMPARE(session().documents().back()->name(), "dropped.maxpat");
+}
+
+void PatcherWindowTest::recent_files_are_kept() {
+    open_boxes(message_box);
+    QCOMPARE(session().recent_files().constFirst(), path_of("test.maxpat"));
+    QFile::copy(path_of("test.maxpat"), path_of("second.maxpat"));
+    open(path_of("second.maxpat"));
+    QCOMPARE(session().recent_files().mid(0, 2), QStringList({path_of("second.maxpat"), path_of("test.maxpat")}));
+}
+
+void PatcherWindowTest::inner_patcher_opens_on_double_click() {
+    open_boxes(inner_json("p", "p inside", "", box_json("b", "button", "20, 20, 24, 24")));
+    QTest::mouseDClick(widget("p"), Qt::LeftButton);
+    Document &document = *session().documents().front();
+    QCOMPARE(document.windows().size(), 2);
+    QCOMPARE(document.windows().constLast()->windowTitle(), "inside in test.maxpat[*]");
+    QTest::mouseClick(widget("p::b"), Qt::LeftButton);
+    QCOMPARE(take_outputs(), QStringList("b:0 bang"));
+    QTest::mouseDClick(widget("p"), Qt::LeftButton); // it has a window already
+    QCOMPARE(document.windows().size(), 2);
+    document.windows().constLast()->close();
+    QCOMPARE(document.windows().size(), 1);
+    QCOMPARE(session().documents().size(), 1u);
+}
+
+void PatcherWindowTest::tabs_show_inner_patchers() {
+    PatcherWindow *window =
+        open_boxes(inner_json("one", "p basic", "\"showontab\": 1,", message_box) + "," +
+                       inner_json("two", "p ?", "\"showontab\": 1,", box_json("b", "button", "20, 20, 24, 24")),
+                   {}, "\"showrootpatcherontab\": 0,");
+    auto *tabs = window->findChild<QTabWidget *>();
+    QCOMPARE(tabs->count(), 2);
+    QCOMPARE(tabs->tabText(0), "basic");
+    QVERIFY(window->show_tab("?"));
+    QVERIFY(!window->show_tab("none"));
+    QCOMPARE(window->current_canvas()->patcher(), patcher_in(box("two")));
+}
+
+void PatcherWindowTest::presentation_shows_its_boxes() {
+    const QString shown = "\"presentation\": 1, \"presentation_rect\": [5, 6, 40, 30]";
+    PatcherWindow *window = open_boxes(box_json("in", "button", "100, 100, 24, 24", shown) + "," +
+                                           box_json("out", "button", "20, 20, 24, 24"),
+                                       {}, "\"openinpresentation\": 1,");
+    QCOMPARE(widget("in")->geometry(), QRect(5, 6, 40, 30));
+    QVERIFY(!widget("out")->isVisible());
+    action(window, "Presentation")->trigger();
+    QVERIFY(widget("out")->isVisible());
+    QCOMPARE(widget("in")->x(), 100);
+}
+
+void PatcherWindowTest::console_counts_errors() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    auto *dock = window->findChild<ConsoleDock *>();
+    QVERIFY(dock->windowTitle().endsWith("no errors"));
+    send("list", "nonsense, read missing.xml");
+    QVERIFY(dock->windowTitle().endsWith("2 errors"));
+    const ConsoleModel &console = session().console();
+    const QModelIndex last = console.index(console.rowCount() - 1, 1);
+    QCOMPARE(last.data().toString(), "can't find missing.xml");
+    QCOMPARE(last.data(Qt::ForegroundRole).value<QColor>(), look_of(window->palette()).error);
+    session().console().clear();
+    QVERIFY(dock->windowTitle().endsWith("no errors"));
+}
+
+void PatcherWindowTest::dark_palette_keeps_texts_readable() {
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(dark_palette());
+    open_boxes(embedding_list);
+    send("list", "append WWWWWW");
+    const QImage picture = list()->viewport()->grab().toImage();
+    QApplication::setPalette(before);
+    QVERIFY(picture.pixelColor(picture.width() - 3, picture.height() - 3).lightness() < 60);
+    int lightest = 0;
+    for (int x = 0; x < 40; ++x)
+        for (int y = 0; y < 14; ++y)
+            lightest = std::max(lightest, picture.pixelColor(x, y).lightness());
+    QVERIFY(lightest > 180);
+    QCOMPARE(readable_on(Qt::black, Qt::white).rgba(), QColor(Qt::black).rgba());
+    QCOMPARE(readable_on(Qt::black, Qt::black).rgba(), QColor(Qt::white).rgba());
+}
+
+void PatcherWindowTest::picture_is_what_the_window_shows() {
+    PatcherWindow *window = open_boxes(message_box);
+    QVERIFY(write_picture(*window, path_of("window.png")));
+    const QImage picture(path_of("window.png"));
+    QCOMPARE(picture.size(), window->size() * window->devicePixelRatio());
+    const QPoint inside = widget("m")->mapTo(window, widget("m")->rect().center() + QPoint(30, 0));
+    const QColor at_message = picture.pixelColor(inside * window->devicePixelRatio());
+    QVERIFY(at_message != look_of(window->palette()).canvas);
+    QVERIFY(!write_picture(*window, path_of("no-folder/window.png")));
+}
+
+int run_patcherwindow_tests(int argc, char **argv) {
+    PatcherWindowTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "patcherwindow-test.moc"

@@ -1,0 +1,99 @@
+// vrk-window from the shell: scripts, pictures, refusals.
+#include "window-test.h"
+
+#include <QProcess>
+
+class ProgramTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void plays_a_script_as_vrk_run_does();
+    void draws_a_picture();
+    void tells_what_is_wrong_data();
+    void tells_what_is_wrong();
+    void editor_opens_from_vrk_xml();
+
+  private:
+    struct Ended {
+        int status;
+        QString output, complaints;
+    };
+    Ended run(const QString &program, const QStringList &arguments, const QString &input = {});
+};
+
+ProgramTest::Ended ProgramTest::run(const QString &program, const QStringList &arguments, const QString &input) {
+    QProcess process;
+    process.start(program, arguments);
+    process.write(input.toUtf8());
+    process.closeWriteChannel();
+    if (!process.waitForFinished(120'000))
+        qFatal("%s does not end", qPrintable(program));
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+void ProgramTest::plays_a_script_as_vrk_run_does() {
+    const QString script = "new list vrk.tessaroll @embed 1\n"
+                           "list append \"First line\"\n"
+                           "list append second, bang\n"
+                           "new m metro 100\n"
+                           "connect m 0 list\n"
+                           "m 1\n"
+                           "host wait 250\n"
+                           "list read missing.xml\n"
+                           "host answer cancel\n"
+                           "list write\n"
+                           "host view list\n"
+                           "host dirty\n";
+    const Ended headless = run(VRK_RUN_PROGRAM, {"--script", "-"}, script);
+    const QTemporaryDir folder;
+    const Ended shown = run(VRK_WINDOW_PROGRAM, {"--script", "-", "--picture", folder.filePath("p.png")}, script);
+    QCOMPARE(shown.status, 0);
+    QCOMPARE(shown.output, headless.output);
+    QVERIFY(headless.output.contains("m:0 bang"));
+    QVERIFY(!QImage(folder.filePath("p.png")).isNull());
+}
+
+void ProgramTest::draws_a_picture() {
+    const QTemporaryDir folder;
+    const Ended ended = run(VRK_WINDOW_PROGRAM, {"--picture", folder.filePath("p.png"), "--palette", "dark", PATCHER});
+    QCOMPARE(ended.status, 0);
+    const QImage picture(folder.filePath("p.png"));
+    QVERIFY(picture.width() > 200);
+    QVERIFY(picture.pixelColor(picture.width() - 5, picture.height() / 2).lightness() < 80);
+}
+
+void ProgramTest::tells_what_is_wrong_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("patcher") << QStringList("missing.maxpat") << "vrk-window: missing.maxpat: not found\n";
+    QTest::newRow("script") << QStringList({"--script", "missing"}) << "vrk-window: missing: cannot be read\n";
+    QTest::newRow("line") << QStringList({"--picture", "/dev/null", "--script", "-"})
+                          << "vrk-window: -:1: host does not know \"nothing\"\n";
+    QTest::newRow("picture") << QStringList({"--picture", "/none/p.png", PATCHER})
+                             << "vrk-window: /none/p.png: cannot be written\n";
+    QTest::newRow("tab") << QStringList({"--tab", "none", PATCHER}) << "vrk-window: no tab is named \"none\"\n";
+    QTest::newRow("editor") << QStringList({"--edit", "missing.xml"}) << "vrk-window: missing.xml: not found\n";
+}
+
+void ProgramTest::tells_what_is_wrong() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, complaint);
+    const Ended ended = run(VRK_WINDOW_PROGRAM, arguments, "host nothing\n");
+    QCOMPARE(ended.status, 2);
+    QVERIFY2(ended.complaints.endsWith(complaint), qPrintable(ended.complaints));
+}
+
+// The window stays open, so it is a refusal that tells who has been asked.
+void ProgramTest::editor_opens_from_vrk_xml() {
+    const Ended ended = run(VRK_XML_PROGRAM, {"missing.xml", "edit"});
+    QCOMPARE(ended.status, 2);
+    QVERIFY2(ended.complaints.endsWith("vrk-window: missing.xml: not found\n"), qPrintable(ended.complaints));
+}
+
+int run_program_tests(int argc, char **argv) {
+    ProgramTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "program-test.moc"
