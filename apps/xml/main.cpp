@@ -1,12 +1,18 @@
 // vrk-xml: reads, edits and prints XML and resource files from the shell.
 #include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <iostream>
+
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 
 #include "console.h"
 #include "document.h"
 #include "operations.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -81,6 +87,7 @@ constexpr Command commands[] = {
     {"set-resource", "TYPE NUMBER TEXT…", "write a resource, made when it is missing", data_option},
     {"menu", "NUMBER", "print a menu: its title, and its items with their numbers and commands", 0},
     {"batch", "", "carry out the operations of standard input", no_words},
+    {"edit", "", "edit the document as text, in a window", no_words},
 };
 
 const Command &command_of(const std::string &name) {
@@ -168,6 +175,8 @@ void expect_words(const Options &options) {
         throw CLI::ValidationError("FILE", has_file ? "not for this operation" : "required in front of the operation");
     if ((command.takes & no_words) && !options.words.empty())
         throw CLI::ExtrasError(options.words);
+    if (options.operation.name == "edit" && !options.save_to.empty())
+        throw CLI::ValidationError("--save-to", "not for this operation, which saves when a person says so");
     if (options.operation.name == "new" && options.words.size() != 1)
         throw CLI::ValidationError("new", "takes one FILE");
 }
@@ -206,6 +215,14 @@ int run_batch(Document &document) {
     return status;
 }
 
+// Becomes the program that has windows.
+int edit(const Options &options) {
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error).parent_path() / "vrk-window";
+    execl(program.c_str(), program.c_str(), ("--edit=" + options.file).c_str(), nullptr);
+    throw Refused{program.string() + ": " + std::generic_category().message(errno)};
+}
+
 int work_on(const Options &options) {
     Document document(options.names);
     document.load(options.file);
@@ -231,7 +248,7 @@ int run(Options &options) {
         Document(options.names).create(options.words.front());
         return 0;
     }
-    return work_on(options);
+    return options.operation.name == "edit" ? edit(options) : work_on(options);
 }
 
 // The exit status; whatever goes wrong is told.
