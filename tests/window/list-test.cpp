@@ -32,6 +32,15 @@ class Paints : public QObject {
     }
 };
 
+// Counts the rows that are painted.
+class CountingDelegate : public QStyledItemDelegate {
+  public:
+    mutable int painted = 0;
+
+  private:
+    void paint(QPainter *, const QStyleOptionViewItem &, const QModelIndex &) const override { ++painted; }
+};
+
 } // namespace
 
 class ListTest : public WindowTest {
@@ -47,6 +56,7 @@ class ListTest : public WindowTest {
     void appended_row_comes_into_view();
     void repainting_keeps_the_place();
     void clear_and_refill_is_one_repaint();
+    void rows_out_of_sight_are_not_painted();
     void font_changes_at_once();
     void zoom_scales_rows();
     void current_row_is_marked();
@@ -163,6 +173,16 @@ void ListTest::clear_and_refill_is_one_repaint() {
     QTRY_VERIFY(paints.count > 0);
     QCoreApplication::processEvents();
     QCOMPARE(paints.count, 1);
+}
+
+void ListTest::rows_out_of_sight_are_not_painted() {
+    open_boxes(list_box);
+    send("list", appends(500));
+    CountingDelegate delegate;
+    list()->setItemDelegate(&delegate);
+    list()->viewport()->grab();
+    QVERIFY(delegate.painted > 5);
+    QVERIFY(delegate.painted <= list()->viewport()->height() / 14 + 2);
 }
 
 void ListTest::font_changes_at_once() {

@@ -8,6 +8,12 @@
 
 using namespace maxhost;
 
+namespace {
+
+std::mutex outputs_mutex;
+
+} // namespace
+
 void WindowTest::init() {
     folder_ = std::make_unique<QTemporaryDir>();
     folder_before_ = QDir::currentPath();
@@ -20,6 +26,7 @@ void WindowTest::init() {
             line += " " + text_of(selector);
         for (const t_atom &atom : atoms)
             line += " " + QString::fromStdString(print_atom(atom));
+        const std::lock_guard lock(outputs_mutex); // they come on both threads
         outputs_.append(line);
     };
     start_host(front);
