@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QSettings>
@@ -45,7 +46,7 @@ FrontEnd Session::front_end() {
 // ---- opening
 
 Document *Session::open(const QString &file, QString &reason) {
-    const QString path = QFileInfo(file).absoluteFilePath();
+    const QString path = QDir::cleanPath(QFileInfo(file).absoluteFilePath());
     for (const std::unique_ptr<Document> &document : documents_)
         if (document->file() == path && QFileInfo::exists(path)) {
             document->windows().constFirst()->raise();
