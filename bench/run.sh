@@ -14,4 +14,6 @@ build_preset bench
   echo "$(date +%F), $(nproc) cores of $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1), $(. /etc/os-release; echo "$PRETTY_NAME"), release build. Medians of one run; a ratio compares two times of that run."
   echo
   build/bench/bin/vrk-bench --benchmark_min_time=0.2
+  echo
+  build/bench/bin/window-bench
 } | tee bench/RESULTS.md
