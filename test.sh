@@ -6,7 +6,7 @@ cd "$(dirname "$0")"
 
 source scripts/install-packages.sh
 source scripts/build.sh
-install_packages "${build_packages[@]}" libgtest-dev
+install_packages "${build_packages[@]}" libgtest-dev xvfb fonts-dejavu-core fonts-wqy-microhei
 build_preset dev
 ctest --preset dev
 build_preset tsan thread-tests soak-tests
