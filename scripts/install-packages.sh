@@ -10,7 +10,7 @@ install_packages() {
   DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# What every build needs. vrk-window draws with whatever fonts there are; this one has the widths that patchers count on.
+# What every build needs. vrk-window draws with whatever fonts there are; this one has the widths that patchers want.
 build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libpng-dev libjpeg62-turbo-dev libcli11-dev
   nlohmann-json3-dev qt6-base-dev fonts-liberation2)
 
