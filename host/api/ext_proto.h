@@ -5,7 +5,8 @@
 
 HOST_API_BEGIN
 
-// The symbol of the text; the text is copied and kept for ever. Any thread.
+// The symbol of the text; the text is copied and kept for ever. Any thread. It cannot fail, as callers use the result
+// at once: when memory has run out, symbols come from a reserve, and the program ends when that is used up.
 t_symbol *gensym(const char *s);
 
 // A second creation name for the class that the plug-in registered last.
@@ -24,10 +25,12 @@ void *intout(void *x);
 void *outlet_int(t_outlet *x, t_atom_long n);
 void *outlet_anything(t_outlet *x, t_symbol *s, short ac, t_atom *av);
 
-// Queues fn(ob, sym, argc, copy of argv) for the main thread, behind what is queued. Dropped when `ob` is freed first.
+// Queues fn(ob, sym, argc, copy of argv) for the main thread, behind what is queued. Dropped when `ob` is freed first,
+// and with a line on the console when memory runs out.
 void *defer_low(void *ob, method fn, t_symbol *sym, short argc, t_atom *argv);
 
-// A task fn(obj) for the main thread. Setting it queues it unless it is queued; freeing it takes it back.
+// A task fn(obj) for the main thread; null when memory runs out. Setting it queues it unless it is queued, and cannot
+// fail; freeing it takes it back.
 void *qelem_new(void *obj, method fn);
 void qelem_set(t_qelem *x);
 void qelem_free(t_qelem *x);

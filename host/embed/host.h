@@ -1,7 +1,8 @@
 // What a program that embeds the host calls. Main thread, unless said otherwise.
 //
 // Patchers, boxes and patcher views are handed out as t_object pointers; they stay valid until the call that frees
-// them. Nothing here is deferred: what plug-ins queue runs when the program drains the queue (drain_queue).
+// them. Nothing here is deferred: what plug-ins queue runs when the program drains the queue (drain_queue). When memory
+// runs out these functions throw std::bad_alloc; what plug-ins call never throws.
 #pragma once
 
 #include <span>

@@ -222,45 +222,60 @@ short file_error() {
 
 using namespace maxhost;
 
+// The error code of a call, also when memory runs out in it.
+template <typename Call> static short result_of(const char *function, const Call &call) {
+    return guarded(function, short{err_io}, call);
+}
+
 short locatefile_extended(char *name, short *outvol, t_fourcc *outtype, const t_fourcc *filetypelist, short numtypes) {
     if (!at_door(name && outvol && outtype, "locatefile_extended", "null argument"))
         return err_bad_name;
-    const std::string asked = name;
-    return traced_result(locate(name, outvol, outtype, filetypelist, numtypes), "locatefile_extended", asked.c_str(),
-                         static_cast<int>(numtypes));
+    return result_of("locatefile_extended", [&] {
+        const std::string asked = name;
+        return traced_result(locate(name, outvol, outtype, filetypelist, numtypes), "locatefile_extended",
+                             asked.c_str(), static_cast<int>(numtypes));
+    });
 }
 
 short path_topathname(const short path, const char *file, char *name) {
-    return traced_result(full_path(path, file, name, true), "path_topathname", static_cast<int>(path), file);
+    return traced_result(result_of("path_topathname", [&] { return full_path(path, file, name, true); }),
+                         "path_topathname", static_cast<int>(path), file);
 }
 
 short path_topotentialname(const short path, const char *file, char *name, short check) {
-    return traced_result(full_path(path, file, name, false), "path_topotentialname", static_cast<int>(path), file,
-                         static_cast<int>(check));
+    return traced_result(result_of("path_topotentialname", [&] { return full_path(path, file, name, false); }),
+                         "path_topotentialname", static_cast<int>(path), file, static_cast<int>(check));
 }
 
 short path_nameconform(const char *src, char *dst, long style, long type) {
     if (!at_door(src && dst, "path_nameconform", "null argument"))
         return err_bad_name;
-    return traced_result(conform(src, dst, style, type), "path_nameconform", src, style, type);
+    return traced_result(result_of("path_nameconform", [&] { return conform(src, dst, style, type); }),
+                         "path_nameconform", src, style, type);
 }
 
 short path_frompathname(const char *name, short *path, char *filename) {
     if (!at_door(name && path && filename, "path_frompathname", "null argument"))
         return err_bad_name;
-    return traced_result(split(name, path, filename), "path_frompathname", name);
+    return traced_result(result_of("path_frompathname", [&] { return split(name, path, filename); }),
+                         "path_frompathname", name);
 }
 
 short path_tempfolder(void) {
-    std::error_code error;
-    const fs::path folder = fs::temp_directory_path(error);
-    return traced_result(error ? short{0} : folder_id(folder.string()), "path_tempfolder");
+    const short folder = guarded("path_tempfolder", short{0}, [] {
+        std::error_code error;
+        const fs::path path = fs::temp_directory_path(error);
+        return error ? short{0} : folder_id(path.string());
+    });
+    return traced_result(folder, "path_tempfolder");
 }
 
 short path_createfolder(const short path, const char *name, short *newpath) {
-    return traced_result(subfolder(path, name, newpath, true), "path_createfolder", static_cast<int>(path), name);
+    return traced_result(result_of("path_createfolder", [&] { return subfolder(path, name, newpath, true); }),
+                         "path_createfolder", static_cast<int>(path), name);
 }
 
 short path_getpath(short path, const char *name, short *outpath) {
-    return traced_result(subfolder(path, name, outpath, false), "path_getpath", static_cast<int>(path), name);
+    return traced_result(result_of("path_getpath", [&] { return subfolder(path, name, outpath, false); }),
+                         "path_getpath", static_cast<int>(path), name);
 }

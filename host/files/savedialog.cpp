@@ -16,14 +16,8 @@ std::string &prompt() {
     return the_prompt;
 }
 
-} // namespace
-
-void saveas_promptset(const char *s) { prompt() = s ? s : ""; }
-
-short saveasdialog_extended(char *name, short *vol, t_fourcc *type, t_fourcc *typelist, short numtypes) {
+short choose(char *name, short *vol, t_fourcc *type, t_fourcc offered) {
     using namespace maxhost;
-    if (!at_door(name && vol && type, "saveasdialog_extended", "null argument"))
-        return err_bad_name;
     const std::string asked = std::exchange(prompt(), "");
     const std::string answer = front_end().save_dialog ? front_end().save_dialog(asked, name) : "";
     if (answer.empty())
@@ -35,6 +29,20 @@ short saveasdialog_extended(char *name, short *vol, t_fourcc *type, t_fourcc *ty
         return err_bad_name;
     std::memcpy(name, file.c_str(), file.size() + 1);
     *vol = folder;
-    *type = typelist && numtypes > 0 ? typelist[0] : 0;
+    *type = offered;
     return 0;
+}
+
+} // namespace
+
+void saveas_promptset(const char *s) {
+    maxhost::guarded("saveas_promptset", [&] { prompt() = s ? s : ""; });
+}
+
+short saveasdialog_extended(char *name, short *vol, t_fourcc *type, t_fourcc *typelist, short numtypes) {
+    using namespace maxhost;
+    if (!at_door(name && vol && type, "saveasdialog_extended", "null argument"))
+        return err_bad_name;
+    return guarded("saveasdialog_extended", short{err_io},
+                   [&] { return choose(name, vol, type, typelist && numtypes > 0 ? typelist[0] : 0); });
 }

@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <memory>
 #include <mutex>
 #include <unordered_set>
 
@@ -32,23 +34,28 @@ OpenFiles &open_files() {
 
 // Opens a regular file; anything else is refused without waiting for it.
 short open_file(const std::string &path, int flags, t_filehandle *ref) {
-    const int descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (descriptor < 0)
-        return file_error();
-    struct stat status;
-    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
-        close(descriptor);
-        return err_not_found;
-    }
-    *ref = new _filestruct{descriptor};
+    auto file = std::make_unique<_filestruct>();
     std::lock_guard lock(open_files().mutex);
-    open_files().handles.insert(*ref);
-    return 0;
+    const auto place = open_files().handles.insert(file.get()).first; // everything that needs memory comes first
+    file->descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);
+    struct stat status;
+    const bool opened = file->descriptor >= 0;
+    if (opened && fstat(file->descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+        *ref = file.release();
+        return 0;
+    }
+    const short error = opened ? short{err_not_found} : file_error();
+    if (opened)
+        close(file->descriptor);
+    open_files().handles.erase(place);
+    return error;
 }
 
-short open_in_folder(const char *name, short path, int flags, t_filehandle *ref) {
-    const std::string full = name && *name ? path_in_folder(path, name) : "";
-    return full.empty() ? short{err_bad_name} : open_file(full, flags, ref);
+short open_in_folder(const char *function, const char *name, short path, int flags, t_filehandle *ref) {
+    return guarded(function, short{err_io}, [&] {
+        const std::string full = name && *name ? path_in_folder(path, name) : "";
+        return full.empty() ? short{err_bad_name} : open_file(full, flags, ref);
+    });
 }
 
 bool is_open(t_filehandle f) {
@@ -61,11 +68,11 @@ ssize_t read_fully(int descriptor, char *to, size_t wanted) {
     size_t got = 0;
     while (got < wanted) {
         const ssize_t now = read(descriptor, to + got, wanted - got);
-        if (now < 0)
+        if (now < 0 && errno != EINTR)
             return -1;
         if (now == 0)
             break;
-        got += static_cast<size_t>(now);
+        got += now < 0 ? 0 : static_cast<size_t>(now);
     }
     return static_cast<ssize_t>(got);
 }
@@ -83,13 +90,13 @@ using namespace maxhost;
 
 short path_opensysfile(const char *name, const short path, t_filehandle *ref, short perm) {
     const int flags = perm == PATH_READ_PERM ? O_RDONLY : perm == PATH_WRITE_PERM ? O_WRONLY : O_RDWR;
-    return traced_result(open_in_folder(name, path, flags, ref), "path_opensysfile", name, static_cast<int>(path),
-                         static_cast<int>(perm));
+    return traced_result(open_in_folder("path_opensysfile", name, path, flags, ref), "path_opensysfile", name,
+                         static_cast<int>(path), static_cast<int>(perm));
 }
 
 short path_createsysfile(const char *name, short path, t_fourcc type, t_filehandle *ref) {
-    return traced_result(open_in_folder(name, path, O_WRONLY | O_CREAT | O_EXCL, ref), "path_createsysfile", name,
-                         static_cast<int>(path), static_cast<t_atom_long>(type));
+    return traced_result(open_in_folder("path_createsysfile", name, path, O_WRONLY | O_CREAT | O_EXCL, ref),
+                         "path_createsysfile", name, static_cast<int>(path), static_cast<t_atom_long>(type));
 }
 
 t_max_err sysfile_read(t_filehandle f, t_ptr_size *count, void *bufptr) {

@@ -34,6 +34,10 @@ t_max_err set(t_atom *atom, const char *function, short type, word value) {
     return MAX_ERR_NONE;
 }
 
+bool reads_as_number(const t_atom *symbol, t_atom &number, const char *function) {
+    return maxhost::guarded(function, false, [&] { return maxhost::parse_number(symbol->a_w.w_sym->s_name, number); });
+}
+
 } // namespace
 
 t_max_err atom_setlong(t_atom *a, t_atom_long b) { return set(a, "atom_setlong", A_LONG, word{.w_long = b}); }
@@ -53,7 +57,7 @@ t_atom_long atom_getlong(const t_atom *a) {
     case A_FLOAT:
         return truncated(a->a_w.w_float);
     case A_SYM:
-        return maxhost::parse_number(a->a_w.w_sym->s_name, number) ? atom_getlong(&number) : 0;
+        return reads_as_number(a, number, "atom_getlong") ? atom_getlong(&number) : 0;
     default:
         return 0;
     }
@@ -67,7 +71,7 @@ t_atom_float atom_getfloat(const t_atom *a) {
     case A_FLOAT:
         return a->a_w.w_float;
     case A_SYM:
-        return maxhost::parse_number(a->a_w.w_sym->s_name, number) ? atom_getfloat(&number) : 0;
+        return reads_as_number(a, number, "atom_getfloat") ? atom_getfloat(&number) : 0;
     default:
         return 0;
     }

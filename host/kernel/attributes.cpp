@@ -89,7 +89,9 @@ Attribute *new_attribute(const char *function, const char *name, const t_symbol 
                          method set, long offset) {
     if (!at_door(name && element_type(type) && count > 0, function, "no name, or a type that this host does not have"))
         return nullptr;
-    auto *attribute = create<Attribute>();
+    auto *attribute = guarded(function, static_cast<Attribute *>(nullptr), create<Attribute>);
+    if (!attribute)
+        return nullptr;
     attribute->name = gensym(name);
     attribute->type = const_cast<t_symbol *>(type);
     attribute->count = count;
@@ -102,7 +104,11 @@ Attribute *new_attribute(const char *function, const char *name, const t_symbol 
 t_max_err set_by_name(void *x, t_symbol *name, t_atom value, const char *function) {
     const Record *record = expect_object(x, function);
     Attribute *attribute = record ? find_attribute(*record->cls, name) : nullptr;
-    return attribute ? set_attribute(static_cast<t_object *>(x), *attribute, {&value, 1}) : MAX_ERR_GENERIC;
+    if (!attribute)
+        return MAX_ERR_GENERIC;
+    return guarded(function, t_max_err{MAX_ERR_OUT_OF_MEM}, [&] {
+        return set_attribute(static_cast<t_object *>(x), *attribute, {&value, 1});
+    });
 }
 
 } // namespace
@@ -139,9 +145,9 @@ t_max_err get_attribute(t_object *object, Attribute &attribute, std::vector<t_at
     long count = 0;
     t_atom *atoms = nullptr;
     const t_max_err result = reinterpret_cast<Getter>(attribute.getter)(object, &attribute, &count, &atoms);
+    const std::unique_ptr<t_atom, decltype(&sysmem_freeptr)> owned(atoms, sysmem_freeptr);
     if (result == MAX_ERR_NONE && atoms)
         values.assign(atoms, atoms + count);
-    sysmem_freeptr(atoms);
     return result;
 }
 
@@ -199,8 +205,10 @@ t_max_err class_addattr(t_class *c, t_object *attr) {
         return MAX_ERR_INVALID_PTR;
     if (find_attribute(*cls, attribute->name))
         return MAX_ERR_DUPLICATE;
-    cls->attributes.push_back(attribute);
-    return MAX_ERR_NONE;
+    return guarded("class_addattr", t_max_err{MAX_ERR_OUT_OF_MEM}, [&] {
+        cls->attributes.push_back(attribute);
+        return t_max_err{MAX_ERR_NONE};
+    });
 }
 
 void *class_attr_get(t_class *x, t_symbol *attrname) {
@@ -212,13 +220,15 @@ t_max_err class_attr_addattr_parse(t_class *c, const char *attrname, const char 
     auto *attribute = static_cast<Attribute *>(class_attr_get(c, gensym(attrname)));
     if (!attribute)
         return MAX_ERR_GENERIC;
-    std::vector<t_atom> atoms = parse_atoms(parsestr);
-    if (type == gensym("symbol"))
-        for (t_atom &atom : atoms)
-            if (atom_gettype(&atom) != A_SYM)
-                atom_setsym(&atom, gensym(print_atom(atom).c_str()));
-    attribute->attributes.emplace_back(gensym(attrname2), std::move(atoms));
-    return MAX_ERR_NONE;
+    return guarded("class_attr_addattr_parse", t_max_err{MAX_ERR_OUT_OF_MEM}, [&] {
+        std::vector<t_atom> atoms = parse_atoms(parsestr);
+        if (type == gensym("symbol"))
+            for (t_atom &atom : atoms)
+                if (atom_gettype(&atom) != A_SYM)
+                    atom_setsym(&atom, gensym(print_atom(atom).c_str()));
+        attribute->attributes.emplace_back(gensym(attrname2), std::move(atoms));
+        return t_max_err{MAX_ERR_NONE};
+    });
 }
 
 t_max_err object_attr_setchar(void *x, t_symbol *s, char c) {
@@ -240,5 +250,5 @@ void attr_dictionary_process(void *x, t_dictionary *d) {
         return;
     for (auto &[key, atoms] : dictionary->entries)
         if (Attribute *attribute = find_attribute(*record->cls, key))
-            set_attribute(static_cast<t_object *>(x), *attribute, atoms);
+            guarded("attr_dictionary_process", [&] { set_attribute(static_cast<t_object *>(x), *attribute, atoms); });
 }

@@ -120,12 +120,12 @@ const Method *find_method(const Class &cls, t_symbol *name) {
 }
 
 Class *new_host_class(const char *name, bool counted) {
-    auto *cls = new Class(); // c_flags is zero as well
+    auto cls = std::make_unique<Class>(); // c_flags is zero as well
     cls->name = gensym(name);
     cls->counted = counted;
     cls->name_space = CLASS_NOBOX;
-    publish(cls->name_space, cls->name, cls);
-    return cls;
+    publish(cls->name_space, cls->name, cls.get());
+    return cls.release();
 }
 
 Class *find_class(t_symbol *name_space, t_symbol *name) {
@@ -161,13 +161,15 @@ using namespace maxhost;
 t_class *class_new(const char *name, const method mnew, const method mfree, long size, const method, short type, ...) {
     va_list rest;
     va_start(rest, type); // NOLINT(clang-diagnostic-varargs): a short in the SDK's prototype
-    const std::vector<short> codes = read_codes(type, rest);
+    const bool takes_atoms = type == A_GIMME && va_arg(rest, int) == A_NOTHING;
     va_end(rest);
     if (!at_door(name && size >= static_cast<long>(sizeof(t_object)), "class_new",
                  "no name, or no room for a header") ||
-        !at_door(codes.size() == 1 && codes[0] == A_GIMME, "class_new", "a constructor takes any atoms (A_GIMME)"))
+        !at_door(takes_atoms, "class_new", "a constructor takes any atoms (A_GIMME)"))
         return nullptr;
-    auto *cls = new Class(); // c_flags is zero as well
+    auto *cls = new (std::nothrow) Class(); // c_flags is zero as well
+    if (!cls)
+        return nullptr;
     cls->name = gensym(name);
     cls->construct = mnew;
     cls->destroy = mfree;
@@ -175,13 +177,7 @@ t_class *class_new(const char *name, const method mnew, const method mfree, long
     return cls;
 }
 
-t_max_err class_addmethod(t_class *c, const method m, const char *name, ...) {
-    va_list rest;
-    va_start(rest, name);
-    const auto first = static_cast<short>(va_arg(rest, int));
-    std::vector<short> codes = read_codes(first, rest);
-    va_end(rest);
-    auto *cls = static_cast<Class *>(c);
+static t_max_err add_method(Class *cls, const method m, const char *name, std::vector<short> codes) {
     if (!at_door(cls && m && name, "class_addmethod", "no class, function or name") ||
         !at_door(!cls->name_space, "class_addmethod", "the class is registered already") ||
         !at_door(callable(codes), "class_addmethod", "argument codes that this host does not call"))
@@ -190,11 +186,23 @@ t_max_err class_addmethod(t_class *c, const method m, const char *name, ...) {
     return MAX_ERR_NONE;
 }
 
+t_max_err class_addmethod(t_class *c, const method m, const char *name, ...) {
+    va_list rest;
+    va_start(rest, name);
+    const auto first = static_cast<short>(va_arg(rest, int));
+    const t_max_err result = guarded("class_addmethod", t_max_err{MAX_ERR_OUT_OF_MEM}, [&] {
+        return add_method(static_cast<Class *>(c), m, name, read_codes(first, rest));
+    });
+    va_end(rest);
+    return result;
+}
+
 t_max_err class_register(t_symbol *name_space, t_class *c) {
     auto *cls = static_cast<Class *>(c);
     if (!at_door(cls && name_space && !cls->name_space, "class_register", "no class, or one that is registered"))
         return MAX_ERR_GENERIC;
-    const t_max_err result = publish(name_space, cls->name, cls);
+    const t_max_err result =
+        guarded("class_register", t_max_err{MAX_ERR_OUT_OF_MEM}, [&] { return publish(name_space, cls->name, cls); });
     if (result == MAX_ERR_NONE)
         cls->name_space = name_space;
     return result;
@@ -203,5 +211,5 @@ t_max_err class_register(t_symbol *name_space, t_class *c) {
 void alias(char *name) {
     Class *newest = class_table().newest;
     if (at_door(name && newest, "alias", "no name, or no class to name"))
-        publish(newest->name_space, gensym(name), newest);
+        guarded("alias", [&] { publish(newest->name_space, gensym(name), newest); });
 }

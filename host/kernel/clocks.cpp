@@ -49,8 +49,7 @@ void start(Clock &clock, double delay) {
     stop(clock);
     clock.due = times.now + delay;
     clock.turn = ++times.turns;
-    clock.set = true;
-    times.due.insert(&clock);
+    clock.set = guarded("clock_fdelay", false, [&] { return times.due.insert(&clock).second; });
 }
 
 // Takes the next clock that is due before or at `until` out, and lets the time be its own; null when there is none.
@@ -107,7 +106,9 @@ using namespace maxhost;
 void *clock_new(void *obj, method fn) {
     if (!at_door(obj && fn, "clock_new", "no object or no function"))
         return nullptr;
-    auto *clock = create<Clock>();
+    auto *clock = guarded("clock_new", static_cast<Clock *>(nullptr), create<Clock>);
+    if (!clock)
+        return nullptr;
     clock->object = obj;
     clock->task = fn;
     return clock;

@@ -59,21 +59,21 @@ using namespace maxhost;
 void object_post(t_object *x, const char *s, ...) {
     va_list arguments;
     va_start(arguments, s);
-    show(ConsoleLine::post, x, s, arguments);
+    guarded("object_post", [&] { show(ConsoleLine::post, x, s, arguments); });
     va_end(arguments);
 }
 
 void object_warn(t_object *x, const char *s, ...) {
     va_list arguments;
     va_start(arguments, s);
-    show(ConsoleLine::warn, x, s, arguments);
+    guarded("object_warn", [&] { show(ConsoleLine::warn, x, s, arguments); });
     va_end(arguments);
 }
 
 void object_error(t_object *x, const char *s, ...) {
     va_list arguments;
     va_start(arguments, s);
-    show(ConsoleLine::error, x, s, arguments);
+    guarded("object_error", [&] { show(ConsoleLine::error, x, s, arguments); });
     va_end(arguments);
 }
 
@@ -81,6 +81,6 @@ void ouchstring(const char *s, ...) {
     va_list arguments;
     va_start(arguments, s);
     if (front_end().alert)
-        front_end().alert(formatted(s, arguments));
+        guarded("ouchstring", [&] { front_end().alert(formatted(s, arguments)); });
     va_end(arguments);
 }

@@ -22,4 +22,13 @@ void misuse(const char *function, const std::string &reason) {
     std::abort();
 }
 
+void memory_ran_out(const char *function) noexcept {
+    try {
+        if (front_end().console)
+            front_end().console(ConsoleLine::error, "-", std::string(function) + ": out of memory");
+    } catch (const std::bad_alloc &) {
+        std::fprintf(stderr, "maxhost: %s: out of memory\n", function);
+    }
+}
+
 } // namespace maxhost

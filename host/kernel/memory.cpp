@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 #include <unordered_map>
 
 #include "ext_sysmem.h"
@@ -29,8 +30,13 @@ t_ptr allocate(t_ptr_size size, void *(*from)(t_ptr_size)) {
     void *block = from(size ? size : 1);
     if (!block)
         return nullptr;
-    std::lock_guard lock(books().mutex);
-    books().sizes.emplace(block, size);
+    try {
+        std::lock_guard lock(books().mutex);
+        books().sizes.emplace(block, size);
+    } catch (const std::bad_alloc &) {
+        std::free(block);
+        return nullptr;
+    }
     return static_cast<t_ptr>(block);
 }
 

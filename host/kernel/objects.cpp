@@ -48,7 +48,7 @@ void adopt(t_object *object, Class *cls, void (*release)(void *)) {
     Register &objects = all_objects();
     std::lock_guard lock(objects.mutex);
     record->serial = ++objects.newest_serial;
-    objects.records[object] = std::move(record);
+    objects.records.insert_or_assign(object, std::move(record));
     objects.counted += cls->counted;
 }
 
@@ -96,8 +96,14 @@ void *object_alloc(t_class *c) {
     if (!at_door(cls && cls->size >= sizeof(t_object), "object_alloc", "not a class of objects") || allocation_fails())
         return nullptr;
     auto *object = static_cast<t_object *>(std::calloc(1, cls->size));
-    if (object)
+    if (!object)
+        return nullptr;
+    try {
         adopt(object, cls, std::free);
+    } catch (const std::bad_alloc &) {
+        std::free(object);
+        return nullptr;
+    }
     return object;
 }
 
@@ -124,7 +130,8 @@ void *object_new_imp(void *p1, void *p2, void *p3, void *p4, void *p5, void *p6,
     if (!cls || !cls->construct)
         return nullptr;
     using Constructor = void *(*)(void *, void *, void *, void *, void *, void *, void *, void *);
-    return reinterpret_cast<Constructor>(cls->construct)(p3, p4, p5, p6, p7, p8, p9, p10);
+    return guarded("object_new", static_cast<void *>(nullptr),
+                   [&] { return reinterpret_cast<Constructor>(cls->construct)(p3, p4, p5, p6, p7, p8, p9, p10); });
 }
 
 void *object_method_imp(void *x, void *sym, void *p1, void *p2, void *p3, void *p4, void *p5, void *p6, void *p7,
@@ -134,7 +141,8 @@ void *object_method_imp(void *x, void *sym, void *p1, void *p2, void *p3, void *
     if (!found)
         return nullptr;
     using Untyped = void *(*)(void *, void *, void *, void *, void *, void *, void *, void *, void *);
-    return reinterpret_cast<Untyped>(found->function)(x, p1, p2, p3, p4, p5, p6, p7, p8);
+    return guarded("object_method", static_cast<void *>(nullptr),
+                   [&] { return reinterpret_cast<Untyped>(found->function)(x, p1, p2, p3, p4, p5, p6, p7, p8); });
 }
 
 t_dictionary *object_dictionaryarg(long ac, t_atom *av) {

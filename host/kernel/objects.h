@@ -35,7 +35,7 @@ struct Record {
 // The record of a living object; null for any other pointer. It stays where it is until the object is freed.
 Record *record_of(const void *object);
 
-// Enters an object into the register and sets its header.
+// Enters an object into the register and sets its header. When memory runs out (std::bad_alloc) it is not in.
 void adopt(t_object *object, Class *cls, void (*release)(void *));
 
 // Takes an object out of the register, and what is queued for it out of the queue, and releases its memory.
@@ -49,10 +49,10 @@ size_t objects_alive();
 
 // The host's own kinds of object: records that begin with a t_object and name their class by a static host_class().
 template <typename Kind> Kind *create() {
-    auto *object = new Kind();
-    adopt(reinterpret_cast<t_object *>(object), Kind::host_class(),
+    auto object = std::make_unique<Kind>();
+    adopt(reinterpret_cast<t_object *>(object.get()), Kind::host_class(),
           [](void *memory) { delete static_cast<Kind *>(memory); });
-    return object;
+    return object.release();
 }
 
 // `object` as a living object of this kind, or null.

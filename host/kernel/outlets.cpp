@@ -42,9 +42,11 @@ void *new_outlet(void *x, t_symbol *message, const char *function) {
     Record *record = expect_object(x, function);
     if (!record)
         return nullptr;
-    const auto before = static_cast<long>(record->outlets.size());
-    record->outlets.push_back(std::make_unique<Outlet>(Outlet{static_cast<t_object *>(x), message, before, {}}));
-    return record->outlets.back().get();
+    return guarded(function, static_cast<void *>(nullptr), [&]() -> void * {
+        const auto before = static_cast<long>(record->outlets.size());
+        record->outlets.push_back(std::make_unique<Outlet>(Outlet{static_cast<t_object *>(x), message, before, {}}));
+        return record->outlets.back().get();
+    });
 }
 
 long position_from_left(const Record &record, const Outlet &outlet) {
@@ -74,11 +76,13 @@ void *send(t_outlet *x, t_symbol *selector, std::span<const t_atom> arguments, c
         console_error(outlet->owner, "stack overflow: messages go round in a circle");
         return nullptr;
     }
-    if (front_end().output)
-        front_end().output(display_name(outlet->owner), position_from_left(*record, *outlet), selector, arguments);
-    const std::vector<Cord> cords = outlet->cords; // a receiver may change them
-    for (const Cord &cord : cords)
-        deliver(cord.receiver, selector, arguments, cord.inlet);
+    guarded(function, [&] {
+        if (front_end().output)
+            front_end().output(display_name(outlet->owner), position_from_left(*record, *outlet), selector, arguments);
+        const std::vector<Cord> cords = outlet->cords; // a receiver may change them
+        for (const Cord &cord : cords)
+            deliver(cord.receiver, selector, arguments, cord.inlet);
+    });
     return reinterpret_cast<void *>(static_cast<t_ptr_int>(!overflowed));
 }
 

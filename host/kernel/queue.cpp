@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <unordered_map>
 #include <unordered_set>
@@ -30,11 +31,12 @@ struct Entry {
 
 using Entries = std::list<Entry>;
 
+// Its entry is made with it and only changes lists, so that setting it cannot fail.
 struct QueueElement {
-    void *object;
-    method task;
-    bool queued;
-    Entries::iterator place; // while it is queued
+    Entries idle; // the entry, while it is not queued
+    Entries::iterator place;
+
+    bool is_queued() const { return idle.empty(); }
 };
 
 struct Queue {
@@ -62,12 +64,14 @@ bool take(Entry &entry) {
     std::lock_guard lock(queue().mutex);
     if (queue().entries.empty())
         return false;
-    entry = std::move(queue().entries.front());
-    queue().entries.pop_front();
-    if (entry.element)
-        entry.element->queued = false; // so that its own task can set it again
-    else
+    Entries &entries = queue().entries;
+    entry = std::move(entries.front());
+    if (entry.element) { // back to it, so that its own task can set it again
+        entry.element->idle.splice(entry.element->idle.end(), entries, entries.begin());
+    } else {
+        entries.pop_front();
         forget_first(entry.object);
+    }
     return true;
 }
 
@@ -107,17 +111,13 @@ void tell_of_work() {
         front_end().work();
 }
 
-// True for a queue element that was set, whether it was before or not.
+// True for a living queue element, which then is queued.
 bool set_element(void *x) {
     std::lock_guard lock(queue().mutex);
     if (!is_element(x))
         return false;
     auto *element = static_cast<QueueElement *>(x);
-    if (!element->queued) {
-        queue().entries.push_back({element->object, element->task, nullptr, {}, element});
-        element->place = std::prev(queue().entries.end());
-    }
-    element->queued = true;
+    queue().entries.splice(queue().entries.end(), element->idle); // nothing when it is queued
     return true;
 }
 
@@ -154,23 +154,27 @@ void *defer_low(void *ob, method fn, t_symbol *sym, short argc, t_atom *argv) {
     trace(trace_queue, "defer_low", sym, static_cast<int>(argc));
     if (!at_door(ob && fn && argc >= 0 && (argv || argc == 0), "defer_low", "no object, no function or no atoms"))
         return nullptr;
-    Entry entry{ob, fn, sym, {}, nullptr};
-    if (argv)
-        entry.atoms.assign(argv, argv + argc);
-    {
+    guarded("defer_low", [&] {
+        Entries made(1, Entry{ob, fn, sym, {}, nullptr});
+        if (argv)
+            made.front().atoms.assign(argv, argv + argc);
         std::lock_guard lock(queue().mutex);
-        queue().entries.push_back(std::move(entry));
-        queue().deferred[ob].push_back(std::prev(queue().entries.end()));
-    }
+        queue().deferred[ob].push_back(made.begin());
+        queue().entries.splice(queue().entries.end(), made);
+    });
     tell_of_work();
     return nullptr;
 }
 
 void *qelem_new(void *obj, method fn) {
-    auto *element = new QueueElement{obj, fn, false, {}};
-    std::lock_guard lock(queue().mutex);
-    queue().elements.insert(element);
-    return element;
+    return guarded("qelem_new", static_cast<void *>(nullptr), [&]() -> void * {
+        auto element = std::make_unique<QueueElement>();
+        element->idle.push_back({obj, fn, nullptr, {}, element.get()});
+        element->place = element->idle.begin();
+        std::lock_guard lock(queue().mutex);
+        queue().elements.insert(element.get());
+        return element.release();
+    });
 }
 
 void qelem_set(t_qelem *x) {
@@ -185,7 +189,7 @@ void qelem_free(t_qelem *x) {
         std::lock_guard lock(queue().mutex);
         if (is_element(x)) {
             auto *element = static_cast<QueueElement *>(x);
-            if (element->queued)
+            if (element->is_queued())
                 queue().entries.erase(element->place);
             queue().elements.erase(x);
             delete element;

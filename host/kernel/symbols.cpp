@@ -1,9 +1,12 @@
 // Symbols: texts interned once and for ever. Bounded text.
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <mutex>
 #include <new>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ext_proto.h"
@@ -45,15 +48,22 @@ class SymbolTable {
 
     size_t count() const { return count_; }
 
-    // Makes room for one more symbol. Slots move.
-    void grow() {
+    // Makes room for one more symbol. Slots move. Without memory the table fills up beyond three quarters; false when
+    // but one slot is left, which ends every search.
+    bool grow() {
         if (4 * ++count_ < 3 * slots_.size())
-            return;
-        std::vector<Slot> former(2 * slots_.size());
+            return true;
+        std::vector<Slot> former;
+        try {
+            former.resize(2 * slots_.size());
+        } catch (const std::bad_alloc &) {
+            return count_ < slots_.size();
+        }
         former.swap(slots_);
         for (const Slot &each : former)
             if (each.symbol)
                 put(each);
+        return true;
     }
 
   private:
@@ -79,9 +89,49 @@ SymbolTable &symbol_table() {
     return the_table;
 }
 
-// A symbol with its text behind it in one block: there may be very many of them.
+// Memory for the symbols that are needed when memory has run out: gensym cannot fail, callers use what it gives at
+// once. A thousand texts of usual length; one that it cannot hold ends the program.
+class Reserve {
+  public:
+    // Called while there is memory.
+    void fill() {
+        if (left_ >= size / 2)
+            return;
+        if (char *block = static_cast<char *>(operator new(size, std::nothrow))) {
+            next_ = block; // the symbols in the former block stay for ever
+            left_ = size;
+        }
+    }
+    char *take(size_t wanted) {
+        wanted = (wanted + alignof(t_symbol) - 1) / alignof(t_symbol) * alignof(t_symbol);
+        if (wanted > left_)
+            return nullptr;
+        left_ -= wanted;
+        return std::exchange(next_, next_ + wanted);
+    }
+
+  private:
+    static constexpr size_t size = 65536;
+    char *next_ = nullptr;
+    size_t left_ = 0;
+};
+
+[[noreturn]] void no_memory_for(std::string_view text) {
+    std::fprintf(stderr, "maxhost: gensym: out of memory for a text of %zu bytes\n", text.size());
+    std::abort();
+}
+
+// A symbol with its text behind it in one block: there may be very many of them. The table's mutex is held.
 t_symbol *new_symbol(std::string_view text) {
-    char *block = static_cast<char *>(operator new(sizeof(t_symbol) + text.size() + 1));
+    static Reserve reserve;
+    const size_t size = sizeof(t_symbol) + text.size() + 1;
+    char *block = static_cast<char *>(operator new(size, std::nothrow));
+    if (block)
+        reserve.fill();
+    else
+        block = reserve.take(size);
+    if (!block)
+        no_memory_for(text);
     char *name = block + sizeof(t_symbol);
     std::memcpy(name, text.data(), text.size());
     name[text.size()] = 0;
@@ -104,7 +154,8 @@ t_symbol *gensym(const char *s) {
     std::lock_guard lock(table.mutex);
     if (t_symbol *found = table.slot(text))
         return found;
-    table.grow();
+    if (!table.grow())
+        no_memory_for(text);
     return table.slot(text) = new_symbol(text);
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ext_mess.h"
+#include "kernel/door.h"
 #include "kernel/frontend.h"
 
 namespace maxhost {
@@ -23,13 +24,15 @@ inline bool is_traced(TraceFamily family) { return (front_end().traced & family)
 // The line "CALL ARGS", when the family is traced.
 template <typename... Arguments> void trace(TraceFamily family, const char *call, Arguments... arguments) {
     if (is_traced(family))
-        emit_trace((std::string(call) + ... + (" " + trace_argument(arguments))));
+        guarded(call, [&] { emit_trace((std::string(call) + ... + (" " + trace_argument(arguments)))); });
 }
 
 // Traces a call of the family "file" with its result, and passes the result on.
 template <typename... Arguments> short traced_result(short result, const char *call, Arguments... arguments) {
     if (is_traced(trace_file))
-        emit_trace((std::string(call) + ... + (" " + trace_argument(arguments))) + " -> " + std::to_string(result));
+        guarded(call, [&] {
+            emit_trace((std::string(call) + ... + (" " + trace_argument(arguments))) + " -> " + std::to_string(result));
+        });
     return result;
 }
 

@@ -117,6 +117,17 @@ void read_dictionary(t_jbox *box, const t_dictionary *dictionary) {
     box->b_id = symbol_under(dictionary, "id");
 }
 
+// Fills a box whose state is there, and enters it into the patcher that is being filled.
+void begin_box(t_jbox *box, const t_dictionary *dictionary) {
+    if (dictionary)
+        read_dictionary(box, dictionary);
+    auto *patcher = as<Patcher>(gensym("#P")->s_thing);
+    if (!patcher)
+        return;
+    state_of(box).place = enter_box(*patcher, box);
+    box->b_patcher = patcher;
+}
+
 } // namespace
 
 BoxState *box_state(const void *box) {
@@ -152,15 +163,20 @@ t_max_err jbox_new(t_jbox *b, long, long argc, t_atom *argv) {
     Record *record = expect_object(b, "jbox_new");
     if (!record || !at_door(record->cls->is_box && !b->obex, "jbox_new", "not a box class, or called twice"))
         return MAX_ERR_INVALID_PTR;
-    b->obex = new BoxState{gensym(default_font), default_font_size, {}, nullptr, {}, {}};
-    if (const t_dictionary *dictionary = object_dictionaryarg(argc, argv))
-        read_dictionary(b, dictionary);
-    record->name = b->b_name ? b->b_name : b->b_id;
-    if (auto *patcher = as<Patcher>(gensym("#P")->s_thing)) {
-        b->b_patcher = patcher;
-        state_of(b).place = enter_box(*patcher, b);
-    }
-    return MAX_ERR_NONE;
+    return guarded("jbox_new", t_max_err{MAX_ERR_OUT_OF_MEM}, [&] {
+        std::unique_ptr<BoxState> state(new BoxState{gensym(default_font), default_font_size, {}, nullptr, {}, {}});
+        state->views.reserve(1); // so that the view of a usual box finds its place
+        b->obex = state.get();
+        try {
+            begin_box(b, object_dictionaryarg(argc, argv));
+        } catch (const std::bad_alloc &) {
+            b->obex = nullptr;
+            throw;
+        }
+        record->name = b->b_name ? b->b_name : b->b_id;
+        static_cast<void>(state.release());
+        return t_max_err{MAX_ERR_NONE};
+    });
 }
 
 void jbox_ready(t_jbox *b) {
@@ -213,7 +229,11 @@ t_max_err jbox_set_fontsize(t_object *b, double d) {
     Attribute *attribute = find_attribute(*record_of(b)->cls, gensym("fontsize"));
     t_atom size;
     atom_setfloat(&size, d);
-    return attribute ? set_attribute(b, *attribute, {&size, 1}) : MAX_ERR_GENERIC;
+    return attribute ? guarded("jbox_set_fontsize", t_max_err{MAX_ERR_OUT_OF_MEM},
+                               [&] {
+                                   return set_attribute(b, *attribute, {&size, 1});
+                               })
+                     : MAX_ERR_GENERIC;
 }
 
 t_object *jbox_get_patcher(t_object *b) {

@@ -2,6 +2,7 @@
 #include "ui/dataview.h"
 
 #include <algorithm>
+#include <span>
 
 #include "ext_proto.h"
 #include "kernel/frontend.h"
@@ -16,16 +17,19 @@ namespace {
 DataView *expect_view(t_object *view, const char *function) { return expect<DataView>(view, function); }
 Column *expect_column(t_object *column, const char *function) { return expect<Column>(column, function); }
 
-// The position of a row, 1-based; 0 when it is none. Ids that are positions, as most are, are found at once. The
-// mutex is held.
+// These are called with the mutex held.
+
+long row_count(const DataView &view) { return static_cast<long>(view.counted_rows + view.other_rows.size()); }
+
+// The position of a row, 1-based; 0 when it is none.
 long position_of(const DataView &view, t_rowref row) {
-    const auto guess = reinterpret_cast<t_ptr_uint>(row);
-    if (guess == 0)
+    const auto id = reinterpret_cast<t_ptr_uint>(row);
+    if (id == 0)
         return 0;
-    if (guess <= view.rows.size() && view.rows[guess - 1] == row)
-        return static_cast<long>(guess);
-    auto found = std::find(view.rows.begin(), view.rows.end(), row);
-    return found == view.rows.end() ? 0 : std::distance(view.rows.begin(), found) + 1;
+    if (id <= view.counted_rows)
+        return static_cast<long>(id);
+    auto found = std::find(view.other_rows.begin(), view.other_rows.end(), row);
+    return found == view.other_rows.end() ? 0 : row_count(view) - std::distance(found, view.other_rows.end()) + 1;
 }
 
 void ask_repaint(const DataView &view) {
@@ -35,9 +39,19 @@ void ask_repaint(const DataView &view) {
 
 // The row at a position, or null. The mutex is held.
 t_rowref row_at(const DataView &view, long position) {
-    return position >= 1 && position <= static_cast<long>(view.rows.size())
-               ? view.rows[static_cast<size_t>(position) - 1]
-               : nullptr;
+    if (position < 1 || position > row_count(view))
+        return nullptr;
+    const auto at = static_cast<size_t>(position);
+    return at <= view.counted_rows ? reinterpret_cast<t_rowref>(at) : view.other_rows[at - view.counted_rows - 1];
+}
+
+// Adds rows at the end. The mutex is held.
+void add_rows(DataView &view, std::span<const t_rowref> rows) {
+    size_t i = 0;
+    if (view.other_rows.empty())
+        for (; i < rows.size() && reinterpret_cast<t_ptr_uint>(rows[i]) == view.counted_rows + 1; ++i)
+            ++view.counted_rows;
+    view.other_rows.insert(view.other_rows.end(), rows.begin() + static_cast<long>(i), rows.end());
 }
 
 bool is_row(DataView &view, t_rowref row) {
@@ -68,15 +82,10 @@ DataView::~DataView() {
 
 ViewState view_state(DataView &view) {
     std::lock_guard lock(view.mutex);
-    return {static_cast<long>(view.rows.size()),
-            view.selected,
-            view.row_height,
-            view.columns.empty() ? 0 : width_of(*view.columns.front()),
-            view.font_name,
-            view.font_size,
-            view.border,
-            view.vertical_bar,
-            view.horizontal_bar};
+    return {
+        row_count(view),    view.selected,  view.row_height, view.columns.empty() ? 0 : width_of(*view.columns.front()),
+        view.font_name,     view.font_size, view.border,     view.vertical_bar,
+        view.horizontal_bar};
 }
 
 bool select_as_person(DataView &view, long position) {
@@ -125,8 +134,9 @@ using namespace maxhost;
 
 void *jdataview_new(void) {
     trace(trace_view, "jdataview_new");
-    auto *view = create<DataView>();
-    view->font_name = fontinfo_getname(-1);
+    auto *view = guarded("jdataview_new", static_cast<DataView *>(nullptr), create<DataView>);
+    if (view)
+        view->font_name = fontinfo_getname(-1);
     return view;
 }
 
@@ -137,7 +147,7 @@ void jdataview_setclient(t_object *dv, t_object *client) {
         return;
     view->client = client;
     if (BoxState *state = box_state(client)) { // a view in a box starts with the box's font
-        state->views.push_back(view);
+        guarded("jdataview_setclient", [&] { state->views.push_back(view); });
         view->font_name = state->font_name;
         view->font_size = state->font_size;
     }
@@ -218,11 +228,14 @@ t_object *jdataview_addcolumn(t_object *dv, t_symbol *name, t_symbol *before, sh
     DataView *view = expect_view(dv, "jdataview_addcolumn");
     if (!view || !at_door(name, "jdataview_addcolumn", "no name"))
         return nullptr;
-    auto *column = create<Column>();
-    column->name = name;
-    auto place = std::find_if(view->columns.begin(), view->columns.end(), [&](auto *c) { return c->name == before; });
-    view->columns.insert(place, column);
-    return &column->c_obj;
+    return guarded("jdataview_addcolumn", static_cast<t_object *>(nullptr), [&] {
+        view->columns.reserve(view->columns.size() + 1);
+        auto *column = create<Column>();
+        column->name = name;
+        const auto is_before = [&](const Column *each) { return each->name == before; };
+        view->columns.insert(std::find_if(view->columns.begin(), view->columns.end(), is_before), column);
+        return &column->c_obj;
+    });
 }
 
 void jcolumn_setwidth(t_object *col, long width) {
@@ -247,7 +260,7 @@ void jdataview_patchervis(t_object *dv, t_object *pv, t_object *box) {
     trace(trace_view, "jdataview_patchervis", pv, box);
     DataView *view = expect_view(dv, "jdataview_patchervis");
     if (view && expect<PatcherView>(pv, "jdataview_patchervis"))
-        view->shown_in.push_back(pv);
+        guarded("jdataview_patchervis", [&] { view->shown_in.push_back(pv); });
 }
 
 void jdataview_patcherinvis(t_object *dv, t_object *pv) {
@@ -263,7 +276,8 @@ void jdataview_clear(t_object *dv) {
         return;
     {
         std::lock_guard lock(view->mutex);
-        view->rows.clear();
+        view->counted_rows = 0;
+        view->other_rows.clear();
         view->selected = 0;
     }
     ask_repaint(*view);
@@ -276,7 +290,7 @@ void jdataview_addrows(t_object *dv, long count, t_rowref *rrs) {
         return;
     {
         std::lock_guard lock(view->mutex);
-        view->rows.insert(view->rows.end(), rrs, rrs + count);
+        guarded("jdataview_addrows", [&] { add_rows(*view, {rrs, static_cast<size_t>(count)}); });
     }
     ask_repaint(*view);
 }

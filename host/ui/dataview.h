@@ -26,7 +26,10 @@ struct Column : t_jcolumn {
 struct DataView : t_object {
     // Rows, selection, row height and font change on both threads; `mutex` is never held over a call to the client.
     std::mutex mutex;
-    std::vector<t_rowref> rows;
+    // Rows at the front whose ids are their positions, as most are, are only counted: they need no memory, so that a
+    // view of nothing else always has the rows that its client added.
+    size_t counted_rows = 0;
+    std::vector<t_rowref> other_rows;
     long selected = 0; // position, 1-based; 0: none
 
     t_object *client = nullptr;

@@ -51,7 +51,7 @@ t_max_err jgraphics_attr_setrgba(t_object *x, t_object *attr, long argc, t_atom 
 
 void jgraphics_rectangle(t_jgraphics *g, double x, double y, double width, double height) {
     if (context(g, "jgraphics_rectangle"))
-        g->path.push_back({x, y, width, height});
+        guarded("jgraphics_rectangle", [&] { g->path.push_back({x, y, width, height}); });
 }
 
 void jgraphics_set_source_jrgba(t_jgraphics *g, t_jrgba *rgba) {
@@ -62,8 +62,10 @@ void jgraphics_set_source_jrgba(t_jgraphics *g, t_jrgba *rgba) {
 void jgraphics_fill(t_jgraphics *g) {
     if (!context(g, "jgraphics_fill"))
         return;
-    for (const t_rect &rect : std::exchange(g->path, {}))
-        g->drawn.push_back(record(*g, DrawRecord::Kind::fill, rect));
+    guarded("jgraphics_fill", [&] {
+        for (const t_rect &rect : std::exchange(g->path, {}))
+            g->drawn.push_back(record(*g, DrawRecord::Kind::fill, rect));
+    });
 }
 
 void jgraphics_select_font_face(t_jgraphics *g, const char *family, t_jgraphics_font_slant, t_jgraphics_font_weight) {
@@ -86,18 +88,24 @@ void jgraphics_move_to(t_jgraphics *g, double x, double y) {
 void jgraphics_show_text(t_jgraphics *g, const char *utf8) {
     if (!context(g, "jgraphics_show_text"))
         return;
-    g->drawn.push_back(record(*g, DrawRecord::Kind::text, {g->x, g->y, 0, 0}));
-    g->drawn.back().text = utf8;
+    guarded("jgraphics_show_text", [&] {
+        DrawRecord shown = record(*g, DrawRecord::Kind::text, {g->x, g->y, 0, 0});
+        shown.text = utf8;
+        g->drawn.push_back(std::move(shown));
+    });
 }
 
 void jgraphics_image_surface_draw(t_jgraphics *g, t_jsurface *s, t_rect srcRect, t_rect destRect) {
     auto *surface = expect<t_jsurface>(s, "jgraphics_image_surface_draw");
     if (!surface || !context(g, "jgraphics_image_surface_draw"))
         return;
-    ++surface->references;
-    g->drawn.push_back(record(*g, DrawRecord::Kind::image, destRect));
-    g->drawn.back().image = std::shared_ptr<t_jsurface>(surface, SurfaceReleaser());
-    g->drawn.back().source = srcRect;
+    guarded("jgraphics_image_surface_draw", [&] {
+        DrawRecord drawn = record(*g, DrawRecord::Kind::image, destRect);
+        ++surface->references;
+        drawn.image = std::shared_ptr<t_jsurface>(surface, SurfaceReleaser());
+        drawn.source = srcRect;
+        g->drawn.push_back(std::move(drawn));
+    });
 }
 
 // The fonts that had numbers; any other number is the default font.

@@ -3,6 +3,8 @@
 #include <csetjmp>
 #include <cstdio> // jpeglib.h wants it before
 #include <cstdlib>
+#include <memory>
+#include <new>
 
 #include <jpeglib.h>
 
@@ -44,7 +46,11 @@ bool read_pixels(jpeg_decompress_struct &jpeg, t_jsurface &surface) {
     const size_t width = jpeg.output_width;
     surface.width = static_cast<int>(width);
     surface.height = static_cast<int>(jpeg.output_height);
-    surface.rgba.resize(4 * width * jpeg.output_height);
+    try {
+        surface.rgba.resize(4 * width * jpeg.output_height);
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
     while (jpeg.output_scanline < jpeg.output_height) {
         JSAMPROW row = surface.rgba.data() + 4 * width * jpeg.output_scanline;
         jpeg_read_scanlines(&jpeg, &row, 1);
@@ -104,9 +110,9 @@ bool encode_jpeg(const t_jsurface &surface, std::vector<uint8_t> &data) {
         encoded = true;
     }
     jpeg_destroy_compress(&jpeg);
+    const std::unique_ptr<unsigned char, decltype(&std::free)> owned(written, std::free);
     if (encoded)
         data.assign(written, written + size);
-    std::free(written);
     return encoded;
 }
 

@@ -257,6 +257,13 @@ const Json *member(const Json &object, const char *key) {
     return found == object.end() ? nullptr : &*found;
 }
 
+void dismantle(Json &value) noexcept {
+    if (value.is_structured())
+        for (Json &each : value) // no deeper than what can be read
+            dismantle(each);
+    value.clear();
+}
+
 const char *kind_of(const Json &value) {
     switch (value.type()) {
     case Json::value_t::object:

@@ -36,6 +36,10 @@ void put(Json &object, const std::string &key, Json value);
 // A member of an object; null when there is none, or `object` is no object.
 const Json *member(const Json &object, const char *key);
 
+// Empties a value from its leaves up, which needs no memory; to be called before a value goes for good. The library's
+// own destructor takes memory for a value that has members, and ends the program when there is none.
+void dismantle(Json &value) noexcept;
+
 // "an object", "a list", "a text", "a number", …
 const char *kind_of(const Json &value);
 

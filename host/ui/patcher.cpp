@@ -103,12 +103,18 @@ t_object *find_box(const Patcher &patcher, t_symbol *name) {
 }
 
 std::list<t_jbox *>::iterator enter_box(Patcher &patcher, t_jbox *box) {
-    if (box->b_name)
-        patcher.by_name[box->b_name].push_back(box);
-    if (box->b_id)
-        patcher.by_id[box->b_id].push_back(box);
+    const auto place = patcher.boxes.insert(patcher.boxes.end(), box);
+    try {
+        if (box->b_name)
+            patcher.by_name[box->b_name].push_back(box);
+        if (box->b_id)
+            patcher.by_id[box->b_id].push_back(box);
+    } catch (const std::bad_alloc &) {
+        leave_patcher(patcher, box, place);
+        throw;
+    }
     tell_of_change(patcher);
-    return patcher.boxes.insert(patcher.boxes.end(), box);
+    return place;
 }
 
 void leave_patcher(Patcher &patcher, t_jbox *box, std::list<t_jbox *>::iterator place) {

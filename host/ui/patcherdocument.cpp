@@ -8,6 +8,14 @@ namespace maxhost {
 void KeptBoxReleaser::operator()(KeptBox *kept) const { delete kept; }
 void DocumentReleaser::operator()(PatcherDocument *document) const { delete document; }
 
+PatcherDocument::~PatcherDocument() {
+    dismantle(file);
+    dismantle(patcher);
+    for (std::vector<Element> *elements : {&boxes, &lines})
+        for (Element &each : *elements)
+            dismantle(each.json);
+}
+
 Json new_description() {
     return Json::parse(R"({"fileversion": 1,
         "appversion": {"major": 9, "minor": 1, "revision": 0, "architecture": "x64", "modernui": 1},

@@ -15,6 +15,8 @@ struct KeptBox {
     DictionaryEntries attributes;            // the attributes as they were when it was read or saved last
     std::unordered_set<t_symbol *> own_keys; // that the class reads or writes by itself; "jsave" brings them back
     long element = -1;                       // its place in the list of boxes; -1: it is not in the file yet
+
+    ~KeptBox() { dismantle(entry); }
 };
 
 // A member of the list of boxes or cords.
@@ -28,6 +30,8 @@ struct PatcherDocument {
     Json patcher; // where boxes and cords were stand empty lists
     std::vector<Element> boxes;
     std::vector<Element> lines;
+
+    ~PatcherDocument();
 };
 
 // What a file says of a patcher without boxes.

@@ -1,4 +1,6 @@
 // PNG, through libpng's simplified interface.
+#include <new>
+
 #include <png.h>
 
 #include "ui/surface.h"
@@ -13,7 +15,12 @@ bool maxhost::decode_png(std::span<const uint8_t> data, t_jsurface &surface) {
         png_image_free(&image);
         return false;
     }
-    surface.rgba.resize(PNG_IMAGE_SIZE(image));
+    try {
+        surface.rgba.resize(PNG_IMAGE_SIZE(image));
+    } catch (const std::bad_alloc &) {
+        png_image_free(&image);
+        throw;
+    }
     surface.width = static_cast<int>(image.width);
     surface.height = static_cast<int>(image.height);
     return png_image_finish_read(&image, nullptr, surface.rgba.data(), 0, nullptr) != 0; // frees what image holds

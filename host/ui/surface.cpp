@@ -5,6 +5,7 @@
 
 #include "ext_sysmem.h"
 #include "kernel/objects.h"
+#include "ui/graphics.h"
 
 using namespace maxhost;
 
@@ -16,12 +17,11 @@ Class *_jsurface::host_class() {
 t_jsurface *jgraphics_image_surface_create_from_filedata(const void *data, unsigned long datalen) {
     if (!data)
         return nullptr;
-    auto *surface = create<t_jsurface>();
-    const std::span bytes(static_cast<const uint8_t *>(data), datalen);
-    if (decode_png(bytes, *surface) || decode_jpeg(bytes, *surface))
-        return surface;
-    jgraphics_surface_destroy(surface);
-    return nullptr;
+    return guarded("jgraphics_image_surface_create_from_filedata", static_cast<t_jsurface *>(nullptr), [&] {
+        std::unique_ptr<t_jsurface, SurfaceReleaser> surface(create<t_jsurface>());
+        const std::span bytes(static_cast<const uint8_t *>(data), datalen);
+        return decode_png(bytes, *surface) || decode_jpeg(bytes, *surface) ? surface.release() : nullptr;
+    });
 }
 
 void jgraphics_write_image_surface_to_filedata(t_jsurface *surf, long fmt, void **data, long *size) {
@@ -29,7 +29,10 @@ void jgraphics_write_image_surface_to_filedata(t_jsurface *surf, long fmt, void 
     *size = 0;
     const auto *surface = expect<t_jsurface>(surf, "jgraphics_write_image_surface_to_filedata");
     std::vector<uint8_t> bytes;
-    if (!surface || !(fmt == JGRAPHICS_FILEFORMAT_JPEG ? encode_jpeg(*surface, bytes) : encode_png(*surface, bytes)))
+    const auto encode = [&] {
+        return fmt == JGRAPHICS_FILEFORMAT_JPEG ? encode_jpeg(*surface, bytes) : encode_png(*surface, bytes);
+    };
+    if (!surface || !guarded("jgraphics_write_image_surface_to_filedata", false, encode))
         return;
     *data = sysmem_newptr(bytes.size());
     if (!*data)
