@@ -142,9 +142,8 @@ static void add_property(t_class *c, const char *attribute_name, const property_
 }
 
 static void add_attribute(t_class *c, const attribute_row &row) {
-    class_addattr(c, make_attribute(row));
-    t_object *attribute = (t_object *)class_attr_get(c, gensym(row.name));
-    if (!attribute)
+    t_object *attribute = make_attribute(row);
+    if (!attribute || class_addattr(c, attribute))
         return;
     set_accessors(attribute, row.stock_accessors);
     for (const property_row &property : row.properties)
@@ -168,7 +167,8 @@ static void tessaroll_register() {
     for (const attribute_row &row : attribute_table)
         add_attribute(c, row);
     add_property(c, "patching_rect", default_rect);
-    class_register(CLASS_BOX, c);
+    if (class_register(CLASS_BOX, c))
+        return;
     tessaroll_class = c;
     bindMeBaby = gensym("#X");
     mycolumname = gensym(class_name);
@@ -225,7 +225,10 @@ static bool make_box(t_tessaroll *box, long argc, t_atom *argv) {
 static bool make_contents(t_tessaroll *box, t_dictionary *dictionary) {
     long count = 0;
     t_atom *items = nullptr;
-    if (!dictionary_getatoms(dictionary, gensym("restoreitems"), &count, &items)) {
+    const t_max_err error = dictionary_getatoms(dictionary, gensym("restoreitems"), &count, &items);
+    if (error == MAX_ERR_OUT_OF_MEM)
+        return false; // rather no box than one that has lost its items
+    if (!error) {
         tessaroll_done(box);
         tessaroll_deferrestore(box, count, items);
     }

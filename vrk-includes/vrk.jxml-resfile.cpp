@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string_view>
 
+#include <unistd.h>
+
 #include "vrk.jxml-resfile.h"
 
 #include "vrk.pathname.h"
@@ -218,13 +220,22 @@ long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol
 
 // ---- files
 
+// A lookup can fail for want of memory as well; a file that is there all the same must not be made anew.
+static bool can_be_made(const t_jxmlfile *holder, t_symbol *filename) {
+    const t_symbol *path = vrk_path_to_OSX_path(holder->owner, filename);
+    const bool is_free = path->s_name[0] && access(path->s_name, F_OK) != 0;
+    if (!is_free)
+        object_error(holder->owner, "can't find %s", filename->s_name);
+    return is_free;
+}
+
 t_symbol *jxmlresfile_read(t_jxmlfile *holder, t_symbol *filename) {
     t_symbol *located = vrk_file_locate(filename);
     char name[MAX_FILENAME_CHARS] = "";
     short path_id = 0;
-    if (!located)
+    if (!located && holder && filename && can_be_made(holder, filename))
         jxmlfile_newdoc(holder, filename);
-    else if (path_frompathname(located->s_name, &path_id, name) == 0)
+    if (located && path_frompathname(located->s_name, &path_id, name) == 0)
         jxmlfile_load(holder, name, path_id);
     return located;
 }

@@ -36,7 +36,8 @@ long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol
                               t_atom **result, char with_command, char verbose);
 
 // Loads the resource file of that name and gives its full host path name, or, when the search path has none, makes and
-// writes an empty one and gives null. Whether it could be read is told by the holder's `loaded`.
+// writes an empty one and gives null; a file that is there although the lookup has failed is reported and left alone.
+// Whether it could be read is told by the holder's `loaded`.
 t_symbol *jxmlresfile_read(t_jxmlfile *holder, t_symbol *filename);
 
 // Shows the document in the text editor, or an alert when there is none.

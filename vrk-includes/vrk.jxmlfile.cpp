@@ -49,6 +49,9 @@ constexpr unsigned long EVALUATION_LIMIT = 10 * JXML_PIECE_LIMIT;
 // headers, and its contexts shorter.
 #define OPERATION_LIMIT_VERSION 20910
 
+// What must be free before an evaluation begins, in bytes: libxml2 2.9 crashes when memory runs out in the midst of one.
+constexpr size_t EVALUATION_MEMORY = 256 * 1024;
+
 // ---- small helpers
 
 static const xmlChar *as_xml(const char *text) { return reinterpret_cast<const xmlChar *>(text); }
@@ -337,6 +340,8 @@ static xml_doc parsed(const t_jxmlfile *holder, std::string_view text, const cha
         return nullptr;
     xmlDictSetLimit(parser->dict, JXML_NAME_BYTES); // its table does not grow with it, so that it gets slow
     xml_doc document(xmlCtxtReadIO(parser.get(), take_piece, nullptr, &text, url, nullptr, PARSE_OPTIONS));
+    if (quiet.out_of_memory()) // something of it may be missing
+        return nullptr;
     if (document && document->dict)
         xmlDictSetLimit(document->dict, 0);
     else if (!document && xmlDictGetUsage(parser->dict) > JXML_NAME_BYTES / 2)
@@ -556,7 +561,9 @@ xml_doc jxmlfile_make_document(const t_jxmlfile *holder) {
         return nullptr;
     xmlDocSetRootElement(document.get(), root);
     const bool has_group = xmlNewChild(root, nullptr, as_xml(holder->xmlpath[0]->s_name), nullptr);
-    return has_group ? std::move(document) : nullptr;
+    if (!has_group || quiet.out_of_memory()) // an element may have no name
+        document.reset();
+    return document;
 }
 
 static bool set_write_path(t_jxmlfile *holder, t_symbol *pathname) {
@@ -688,10 +695,29 @@ static xpath_context new_context(t_jxmlfile *holder) {
     return context;
 }
 
+// xmlXPathEvalExpression in its own steps, but that the stack is made first: when memory runs out for it, libxml2 2.9
+// releases the run and goes on with it. Null without memory as well; what has been found by then could be a part.
+static xpath_object run_expression(xmlXPathContextPtr context, const char *expression) {
+    const quiet_libxml quiet;
+    if (!xml_text(static_cast<xmlChar *>(xmlMalloc(EVALUATION_MEMORY))))
+        return nullptr;
+    constexpr int depth = 10; // it grows
+    const xpath_run run(xmlXPathNewParserContext(as_xml(expression), context));
+    auto *stack = run ? static_cast<xmlXPathObjectPtr *>(xmlMalloc(depth * sizeof(xmlXPathObjectPtr))) : nullptr;
+    if (!stack)
+        return nullptr;
+    run->valueTab = stack;
+    run->valueMax = depth;
+    xmlXPathEvalExpr(run.get());
+    xpath_object found(run->error == XPATH_EXPRESSION_OK ? valuePop(run.get()) : nullptr);
+    if (quiet.out_of_memory())
+        found.reset();
+    return found;
+}
+
 // What an expression gives; null is reported. libxml2 hands out node sets in document order.
 static xpath_object evaluate(t_jxmlfile *holder, xmlXPathContextPtr context, const char *expression) {
-    const quiet_libxml quiet;
-    xpath_object found(xmlXPathEvalExpression(as_xml(expression), context));
+    xpath_object found = run_expression(context, expression);
     if (!found)
         object_error(holder->owner, "unable to evaluate xpath expression \"%s\"", expression);
     return found;
@@ -856,6 +882,15 @@ static bool is_whole(xmlAttrPtr attribute, const char *value) {
     return attribute && (!*value || (attribute->children && attribute->children->content));
 }
 
+// Takes an element that has come out incomplete away: without a name no file that holds it can be read, and without
+// its number a resource would stand in the way of the others.
+static void discard(xmlNodePtr element) {
+    if (!element)
+        return;
+    xmlUnlinkNode(element);
+    xmlFreeNode(element);
+}
+
 // Makes the element of a step under `parent`; null is reported with `prefix`, the expression up to the step.
 static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char *step, const char *prefix) {
     step_parts parts;
@@ -865,10 +900,14 @@ static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char
     if (has_attribute && (!is_xml_name(parts.attribute) || unholdable(parts.value)))
         return creation_error(holder, "attribute", prefix);
     xmlNodePtr element = xmlNewChild(parent, nullptr, as_xml(parts.name), nullptr);
-    if (!element)
+    if (!element || !element->name) {
+        discard(element);
         return creation_error(holder, "node", prefix);
-    if (has_attribute && !is_whole(xmlNewProp(element, as_xml(parts.attribute), as_xml(parts.value)), parts.value))
+    }
+    if (has_attribute && !is_whole(xmlNewProp(element, as_xml(parts.attribute), as_xml(parts.value)), parts.value)) {
+        discard(element);
         return creation_error(holder, "attribute", prefix);
+    }
     jxml_index_added(holder->index, element);
     return element;
 }

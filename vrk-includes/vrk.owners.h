@@ -8,6 +8,7 @@
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
 #include <libxml/xpath.h>
+#include <libxml/xpathInternals.h>
 
 #include "ext.h"
 #include "ext_critical.h"
@@ -34,6 +35,7 @@ using xml_parser = std::unique_ptr<xmlParserCtxt, Releaser<xmlFreeParserCtxt>>;
 using xml_node = std::unique_ptr<xmlNode, Releaser<xmlFreeNode>>; // only while it is in no document
 using xml_text = std::unique_ptr<xmlChar, XmlTextReleaser>;
 using xpath_context = std::unique_ptr<xmlXPathContext, Releaser<xmlXPathFreeContext>>;
+using xpath_run = std::unique_ptr<xmlXPathParserContext, Releaser<xmlXPathFreeParserContext>>;
 using xpath_object = std::unique_ptr<xmlXPathObject, Releaser<xmlXPathFreeObject>>;
 using image_surface = std::unique_ptr<t_jsurface, Releaser<jgraphics_surface_destroy>>;
 
@@ -47,12 +49,12 @@ class critical_section {
 };
 
 // What libxml2 would print on standard error about a document or an expression stays unsaid on this thread until the
-// scope ends: the modules report failures in the console.
+// scope ends: the modules report failures in the console. That memory has run out is remembered.
 class quiet_libxml {
   public:
     quiet_libxml() {
         xmlSetGenericErrorFunc(nullptr, ignore_text);
-        xmlSetStructuredErrorFunc(nullptr, ignore_record);
+        xmlSetStructuredErrorFunc(this, note_record);
     }
     ~quiet_libxml() {
         xmlSetGenericErrorFunc(generic_context, generic);
@@ -61,10 +63,16 @@ class quiet_libxml {
     quiet_libxml(const quiet_libxml &) = delete;
     quiet_libxml &operator=(const quiet_libxml &) = delete;
 
+    // libxml2 may have gone on with a part missing.
+    bool out_of_memory() const { return memory_ran_out; }
+
   private:
     static void ignore_text(void *, const char *, ...) {}
-    template <typename Error> static void ignore_record(void *, Error *) {} // const or not, by libxml2's version
+    template <typename Error> static void note_record(void *self, Error *error) { // const or not, by the version
+        static_cast<quiet_libxml *>(self)->memory_ran_out |= error->code == XML_ERR_NO_MEMORY;
+    }
 
+    bool memory_ran_out = false;
     xmlGenericErrorFunc generic = xmlGenericError;
     void *generic_context = xmlGenericErrorContext;
     xmlStructuredErrorFunc structured = xmlStructuredError;
