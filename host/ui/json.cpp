@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "ext_obex.h"
@@ -157,15 +158,14 @@ class Writer {
 };
 
 bool to_atom(const Json &value, t_atom &atom) {
+    const bool is_too_large = value.is_number_unsigned() && value.get<uint64_t>() > std::numeric_limits<int64_t>::max();
     if (value.is_string())
         atom_setsym(&atom, gensym(value.get_ref<const std::string &>().c_str()));
     else if (value.is_boolean())
         atom_setlong(&atom, value.get<bool>());
-    else if (value.is_number_unsigned() && value.get<uint64_t>() > std::numeric_limits<int64_t>::max())
-        atom_setfloat(&atom, value.get<double>());
-    else if (value.is_number_integer())
+    else if (value.is_number_integer() && !is_too_large)
         atom_setlong(&atom, value.get<int64_t>());
-    else if (value.is_number_float())
+    else if (value.is_number())
         atom_setfloat(&atom, value.get<double>());
     else
         return false;
@@ -234,19 +234,13 @@ void put(Json &object, const std::string &key, Json value) {
         *found = std::move(value);
         return;
     }
-    const bool sorted = is_alphabetical(object);
-    Json with = Json::object();
-    auto &members = with.get_ref<Json::object_t &>();
-    bool placed = false;
-    for (auto &[name, part] : object.get_ref<Json::object_t &>()) {
-        if (sorted && !placed && name > key) {
-            members.emplace_back(key, std::move(value));
-            placed = true;
-        }
-        members.emplace_back(name, std::move(part));
-    }
-    if (!placed)
-        members.emplace_back(key, std::move(value));
+    auto &before = object.get_ref<Json::object_t &>();
+    const auto is_behind = [&](const auto &each) { return each.first > key; };
+    const auto place = is_alphabetical(object) ? std::find_if(before.begin(), before.end(), is_behind) : before.end();
+    Json::object_t with;
+    std::move(before.begin(), place, std::back_inserter(with));
+    with.emplace_back(key, std::move(value));
+    std::move(place, before.end(), std::back_inserter(with));
     object = std::move(with);
 }
 

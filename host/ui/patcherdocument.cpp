@@ -26,7 +26,7 @@ Json new_description() {
 KeptBox &kept_box(t_jbox *box) {
     BoxState &state = *box_state(box);
     if (!state.kept) {
-        state.kept.reset(new KeptBox);
+        state.kept.reset(new KeptBox{});
         state.kept->entry = Json::object();
     }
     return *state.kept;

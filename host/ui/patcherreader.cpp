@@ -104,7 +104,7 @@ void PatcherReader::warn(const std::string &where, const std::string &text) {
 }
 
 void PatcherReader::fill(Patcher &patcher, Json described, const std::string &where) {
-    patcher.document.reset(new PatcherDocument);
+    patcher.document.reset(new PatcherDocument{});
     patcher.document->patcher = std::move(described);
     OpenPatcher open{patcher, *patcher.document, where, {}, {}};
     make_boxes(open);

@@ -12,7 +12,7 @@ namespace {
 
 PatcherDocument &document_of(Patcher &patcher) {
     if (!patcher.document)
-        patcher.document.reset(new PatcherDocument);
+        patcher.document.reset(new PatcherDocument{});
     if (patcher.document->patcher.is_null())
         patcher.document->patcher = new_description();
     return *patcher.document;
@@ -63,16 +63,18 @@ void put_atoms(Json &object, const std::string &key, std::span<const t_atom> ato
     put(object, key, to_json(atoms, before && before->is_array()));
 }
 
+std::span<const t_atom> atoms_of(const DictionaryEntries &entries, const t_symbol *key) {
+    const auto found =
+        std::find_if(entries.begin(), entries.end(), [&](const auto &each) { return each.first == key; });
+    return found == entries.end() ? std::span<const t_atom>() : found->second;
+}
+
 // The attributes that have another value than the file has; for a box that is in no file, all that are saved.
 void save_attributes(KeptBox &kept, t_jbox *box) {
     DictionaryEntries now = saved_attributes(&box->b_ob);
-    const DictionaryEntries &before = kept.attributes;
-    for (const auto &[key, atoms] : now) {
-        const auto found = std::find_if(before.begin(), before.end(), [&](const auto &e) { return e.first == key; });
-        const bool is_in_file = kept.element >= 0 && found != before.end();
-        if (!is_in_file || !same_atoms(atoms, found->second))
+    for (const auto &[key, atoms] : now)
+        if (kept.element < 0 || !same_atoms(atoms, atoms_of(kept.attributes, key)))
             put_atoms(attribute_place(kept.entry, key->s_name), key->s_name, atoms);
-    }
     kept.attributes = std::move(now);
 }
 

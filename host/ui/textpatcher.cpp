@@ -81,7 +81,7 @@ void TextReader::warn_once(const TextRecord &record, const std::string &what) {
 
 void TextReader::begin(const TextRecord &record) {
     auto *patcher = create<Patcher>();
-    patcher->document.reset(new PatcherDocument);
+    patcher->document.reset(new PatcherDocument{});
     patcher->document->patcher = new_description();
     const auto left = static_cast<double>(record.number(2)), top = static_cast<double>(record.number(3));
     const auto right = static_cast<double>(record.number(4)), bottom = static_cast<double>(record.number(5));
