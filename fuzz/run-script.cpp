@@ -3,7 +3,8 @@
 
 #include <sstream>
 
-#include "run/script.h"
+#include "script/script.h"
+#include "script/stage.h"
 
 FUZZ_TARGET(input) {
     if (fuzz::could_leave_the_folder(input))
@@ -13,6 +14,7 @@ FUZZ_TARGET(input) {
     fuzz::Host host(transcript.front_end(~0u));
     std::istringstream lines{std::string(input)};
     std::string reason;
-    Script(transcript).run(lines, "script", reason);
+    Stage stage;
+    Script(transcript, stage).run(lines, "script", reason);
     maxhost::fail_nth_allocation(0);
 }

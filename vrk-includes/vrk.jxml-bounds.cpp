@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -421,7 +422,7 @@ bool is_transparent(const std::vector<std::string> &encodings, bool utf16) {
 
 } // namespace
 
-jxml_refusal jxml_bounds_check(std::string_view *text) {
+static jxml_refusal check(std::string_view *text) {
     const Width width = width_of(*text);
     const bool utf16 = width == Width::utf16_little || width == Width::utf16_big;
     std::string narrow;
@@ -441,4 +442,12 @@ jxml_refusal jxml_bounds_check(std::string_view *text) {
     const size_t end = mark + std::min(scanner.end() + 1, seen.size());
     *text = text->substr(0, utf16 ? 2 * end : end);
     return refusal;
+}
+
+jxml_refusal jxml_bounds_check(std::string_view *text) {
+    try {
+        return check(text);
+    } catch (const std::bad_alloc &) {
+        return {"out of memory for %s", 0};
+    }
 }

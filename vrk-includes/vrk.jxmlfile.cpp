@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string_view>
 #include <utility>
 
@@ -49,7 +48,8 @@ constexpr unsigned long EVALUATION_LIMIT = 10 * JXML_PIECE_LIMIT;
 // headers, and its contexts shorter.
 #define OPERATION_LIMIT_VERSION 20910
 
-// What must be free before an evaluation begins, in bytes: libxml2 2.9 crashes when memory runs out in the midst of one.
+// What must be free before an evaluation begins, in bytes: libxml2 2.9 crashes when memory runs out in the midst of
+// one.
 constexpr size_t EVALUATION_MEMORY = 256 * 1024;
 
 // ---- small helpers
@@ -314,14 +314,10 @@ static bool read_file(const char *path, byte_buffer *bytes) {
 
 // Looks a text through before libxml2 does; false when it is not to be read, which has been reported.
 static bool is_bounded(const t_jxmlfile *holder, std::string_view *text, const char *name) {
-    try {
-        const jxml_refusal refusal = jxml_bounds_check(text);
-        if (refusal.format)
-            object_error(holder->owner, refusal.format, name, refusal.limit);
-        return !refusal.format;
-    } catch (const std::bad_alloc &) {
-        return false;
-    }
+    const jxml_refusal refusal = jxml_bounds_check(text);
+    if (refusal.format)
+        object_error(holder->owner, refusal.format, name, refusal.limit);
+    return !refusal.format;
 }
 
 // Hands the rest of a text to libxml2 piece by piece. From memory at once it would not read more than ten megabytes.
@@ -341,7 +337,7 @@ static xml_doc parsed(const t_jxmlfile *holder, std::string_view text, const cha
     xmlDictSetLimit(parser->dict, JXML_NAME_BYTES); // its table does not grow with it, so that it gets slow
     xml_doc document(xmlCtxtReadIO(parser.get(), take_piece, nullptr, &text, url, nullptr, PARSE_OPTIONS));
     if (quiet.out_of_memory()) // something of it may be missing
-        return nullptr;
+        document.reset();
     if (document && document->dict)
         xmlDictSetLimit(document->dict, 0);
     else if (!document && xmlDictGetUsage(parser->dict) > JXML_NAME_BYTES / 2)
