@@ -1003,6 +1003,12 @@ static bool is_trimmed(const char *text) {
     return *text == '\0' || !(is_blank(*text) || is_blank(text[std::strlen(text) - 1]));
 }
 
+const char *jxmlfile_plain_text(const xmlNode *element) {
+    const xmlNode *first = element->children;
+    const xmlChar *content = first && first->type == XML_TEXT_NODE ? only_content(first) : nullptr;
+    return content && is_trimmed(as_text(content)) ? as_text(content) : nullptr;
+}
+
 // A text as the kind of value that was asked for; a text that is no number counts as 0.
 static void set_value(t_atom *atom, t_symbol *value_kind, const char *text) {
     if (value_kind == keywords().as_int) {
@@ -1060,17 +1066,17 @@ static long element_content(xmlNodePtr element, t_symbol *value_kind, short *cou
     const bool is_bytes = first && first->type == XML_CDATA_SECTION_NODE;
     if (first && first->type != XML_TEXT_NODE && !is_bytes)
         return -1;
-    const xmlChar *content = only_content(first);
+    const char *text = jxmlfile_plain_text(element);
+    const xmlChar *digits = is_bytes ? only_content(first) : nullptr;
     xml_text copy;
-    if (!content || (!is_bytes && !is_trimmed(as_text(content)))) {
+    if (!text && !digits) {
         copy.reset(xmlNodeGetContent(element));
         if (!copy)
             return -1;
-        content = is_bytes ? copy.get() : as_xml(trimmed(reinterpret_cast<char *>(copy.get())));
     }
     if (is_bytes)
-        return bytes_of_digits(content, count, result);
-    set_value(result, value_kind, as_text(content));
+        return bytes_of_digits(digits ? digits : copy.get(), count, result);
+    set_value(result, value_kind, text ? text : trimmed(reinterpret_cast<char *>(copy.get())));
     *count = 1;
     return 0;
 }

@@ -224,7 +224,8 @@ int edit(const Options &options) {
 }
 
 int work_on(const Options &options) {
-    Document document(options.names);
+    // Never freed: the program ends now, and the system takes back at once what node by node would take a while.
+    static Document &document = *new Document(options.names);
     document.load(options.file);
     int status = 0;
     if (options.operation.name == "batch")

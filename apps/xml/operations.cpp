@@ -2,10 +2,13 @@
 #include "operations.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <span>
 
 #include "console.h"
 #include "ext.h"
@@ -278,24 +281,48 @@ std::string resource(Document &document, const Operation &operation) {
     });
 }
 
-// All resources of a type, one a line, in the order of their numbers from 0.
+// The path of the numbered resources of a type; its last atom is the number.
+std::array<t_atom, 6> resource_path(const Document &document, t_symbol *type) {
+    std::array<t_atom, 6> path;
+    t_symbol *const words[] = {document.holder()->root, document.holder()->xmlpath[0], type, gensym("attr"),
+                               gensym("number")};
+    for (size_t i = 0; i < std::size(words); ++i)
+        atom_setsym(&path[i], words[i]);
+    return path;
+}
+
+// The text at a path where it stands in the document; null when it has to be asked for as a value.
+const char *text_in_place(const Document &document, std::span<t_atom> path) {
+    t_atom *atoms = path.data();
+    long count = static_cast<long>(path.size());
+    xmlNodePtr element = nullptr;
+    const bool found = jxmlfile_get_node(document.holder(), &count, &atoms, &element, 0) == 0;
+    return found ? jxmlfile_plain_text(element) : nullptr;
+}
+
+// All resources of a type, one a line, in the order of their numbers from 0. There may be very many, most of them texts
+// that need not become symbols.
 std::string list(Document &document, const Operation &operation) {
     t_symbol *type = type_of(operation);
     long counted = 0;
     attempt([&] { return jxmlresfile_count_resource(document.holder(), type, &counted, 1); }, "list: refused");
     t_symbol *kind = gensym(operation.as.c_str());
+    const bool as_text = operation.as.empty() || operation.as == "text";
+    std::array<t_atom, 6> path = resource_path(document, type);
     std::string lines;
     lines.reserve(32 * static_cast<size_t>(counted));
     for (long number = 0; number < counted; ++number) {
+        atom_setlong(&path.back(), number);
+        if (const char *text = as_text ? text_in_place(document, path) : nullptr) {
+            lines.append(text).append("\n");
+            continue;
+        }
         t_atom found;
         t_atom *value = &found;
         short count = 1;
         attempt([&] { return jxmlresfile_get_resource(document.holder(), type, number, kind, &count, &value, 1); },
                 "list: refused");
-        if (atom_gettype(value) == A_SYM) // nearly always, and there may be very many
-            lines.append(atom_getsym(value)->s_name).append("\n");
-        else
-            lines += shown({found}, "");
+        lines += shown({found}, "");
     }
     return lines;
 }

@@ -45,13 +45,31 @@ t_rowref row_at(const DataView &view, long position) {
     return at <= view.counted_rows ? reinterpret_cast<t_rowref>(at) : view.other_rows[at - view.counted_rows - 1];
 }
 
+// How many ids at the front are the positions from `first` on. There may be very many, so that they are looked at in
+// blocks, which the compiler can compare several at a time, and in two halves, which do not wait for each other.
+size_t count_positions(std::span<const t_rowref> rows, t_ptr_uint first) {
+    constexpr size_t half = 64;
+    const auto difference_at = [&](size_t at) { return reinterpret_cast<t_ptr_uint>(rows[at]) ^ (first + at); };
+    size_t i = 0;
+    for (; i + 2 * half <= rows.size(); i += 2 * half) {
+        t_ptr_uint one = 0, other = 0;
+        for (size_t at = i; at < i + half; ++at) {
+            one |= difference_at(at);
+            other |= difference_at(at + half);
+        }
+        if (one | other)
+            break;
+    }
+    while (i < rows.size() && reinterpret_cast<t_ptr_uint>(rows[i]) == first + i)
+        ++i;
+    return i;
+}
+
 // Adds rows at the end. The mutex is held.
 void add_rows(DataView &view, std::span<const t_rowref> rows) {
-    size_t i = 0;
-    if (view.other_rows.empty())
-        for (; i < rows.size() && reinterpret_cast<t_ptr_uint>(rows[i]) == view.counted_rows + 1; ++i)
-            ++view.counted_rows;
-    view.other_rows.insert(view.other_rows.end(), rows.begin() + static_cast<long>(i), rows.end());
+    const size_t counted = view.other_rows.empty() ? count_positions(rows, view.counted_rows + 1) : 0;
+    view.other_rows.insert(view.other_rows.end(), rows.begin() + static_cast<long>(counted), rows.end());
+    view.counted_rows += counted;
 }
 
 bool is_row(DataView &view, t_rowref row) {
