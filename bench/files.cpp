@@ -27,8 +27,8 @@ std::string resource(ResourceFile::Kind kind, long number, const std::string &pi
 
 } // namespace
 
-ResourceFile::ResourceFile(Kind kind, long count) {
-    path_ = (std::filesystem::temp_directory_path() / "vrk-bench-XXXXXX").string();
+ResourceFile::ResourceFile(Kind kind, long count)
+    : path_((std::filesystem::temp_directory_path() / "vrk-bench-XXXXXX").string()) {
     mkdtemp(path_.data());
     path_ += "/items.xml";
     const std::string picture = picture_digits();

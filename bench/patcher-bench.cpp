@@ -41,8 +41,7 @@ Json cord(long number) {
 // A patcher file in a folder of its own, which goes with it.
 class PatcherFile {
   public:
-    explicit PatcherFile(long boxes) {
-        folder_ = (std::filesystem::temp_directory_path() / "vrk-bench-XXXXXX").string();
+    explicit PatcherFile(long boxes) : folder_((std::filesystem::temp_directory_path() / "vrk-bench-XXXXXX").string()) {
         mkdtemp(folder_.data());
         Json patcher{{"fileversion", 1},
                      {"rect", {0.0, 0.0, 800.0, 600.0}},

@@ -1173,7 +1173,7 @@ static long cdata_error(t_jxmlfile *holder, const char *digits) {
 constexpr auto DIGIT_PAIRS = [] {
     constexpr char DIGITS[] = "0123456789ABCDEF";
     std::array<std::array<char, 2>, 256> pairs = {};
-    for (size_t i = 0; i < pairs.size(); ++i)
+    for (size_t i = 0; i != pairs.size(); ++i)
         pairs[i] = {DIGITS[i >> 4], DIGITS[i & 15]};
     return pairs;
 }();

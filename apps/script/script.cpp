@@ -94,7 +94,7 @@ bool Script::run(std::istream &lines, const std::string &file, std::string &reas
     std::string line;
     for (long count = 1; std::getline(lines, line); ++count) {
         if (!run_line(line, reason)) {
-            reason = file + ":" + std::to_string(count) + ": " + reason;
+            reason.insert(0, file + ":" + std::to_string(count) + ": ");
             return false;
         }
     }
