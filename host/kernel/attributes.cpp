@@ -248,7 +248,8 @@ void attr_dictionary_process(void *x, t_dictionary *d) {
     auto *dictionary = expect<t_dictionary>(d, "attr_dictionary_process");
     if (!record || !dictionary)
         return;
-    for (auto &[key, atoms] : dictionary->entries)
-        if (Attribute *attribute = find_attribute(*record->cls, key))
-            guarded("attr_dictionary_process", [&] { set_attribute(static_cast<t_object *>(x), *attribute, atoms); });
+    for (auto &entry : dictionary->entries)
+        if (Attribute *attribute = find_attribute(*record->cls, entry.first))
+            guarded("attr_dictionary_process",
+                    [&] { set_attribute(static_cast<t_object *>(x), *attribute, entry.second); });
 }

@@ -252,8 +252,12 @@ const Json *member(const Json &object, const char *key) {
 }
 
 void dismantle(Json &value) noexcept {
-    if (value.is_structured())
-        for (Json &each : value) // no deeper than what can be read
+    // No deeper than what can be read. The containers are gone through themselves: the library's own iterators throw.
+    if (auto *members = value.get_ptr<Json::object_t *>())
+        for (auto &[key, each] : *members)
+            dismantle(each);
+    else if (auto *elements = value.get_ptr<Json::array_t *>())
+        for (Json &each : *elements)
             dismantle(each);
     value.clear();
 }
