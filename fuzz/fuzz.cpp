@@ -80,7 +80,7 @@ size_t Bytes::number() {
 
 std::string Bytes::text(size_t most) {
     const std::string_view taken = rest_.substr(0, most);
-    const std::string text(taken.substr(0, taken.find('\0')));
+    std::string text(taken.substr(0, taken.find('\0')));
     rest_.remove_prefix(std::min(rest_.size(), text.size() + 1));
     return text;
 }

@@ -44,7 +44,7 @@ static void expect_same_when_read(xmlDocPtr doc) {
     const xml_text text(dumped);
     const xml_doc read(xmlReadMemory(text_of(dumped).c_str(), size, nullptr, nullptr, XML_PARSE_NONET));
     const std::string described = description(doc);
-    if (xmlDocGetRootElement(doc) && described.find("[") == described.npos)
+    if (xmlDocGetRootElement(doc) && described.find('[') == described.npos)
         fuzz::expect(read && description(read.get()) == described,
                      "reads back as another document: " + text_of(dumped));
 }

@@ -271,16 +271,21 @@ int run_and_tell(Options &options) {
 } // namespace
 
 int main(int argc, char **argv) {
-    CLI::App app("", "vrk-xml");
-    Options options;
-    describe(app, options);
     try {
-        read_arguments(app, options, argc, argv);
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? 0 : wrong_usage;
+        CLI::App app("", "vrk-xml");
+        Options options;
+        describe(app, options);
+        try {
+            read_arguments(app, options, argc, argv);
+        } catch (const CLI::ParseError &error) {
+            return app.exit(error) == 0 ? 0 : wrong_usage;
+        }
+        maxhost::start_host(terminal_console());
+        const int status = run_and_tell(options);
+        maxhost::stop_host();
+        return status;
+    } catch (const std::exception &failure) { // no memory for the arguments
+        std::cerr << failure.what() << '\n';
+        return refused;
     }
-    maxhost::start_host(terminal_console());
-    const int status = run_and_tell(options);
-    maxhost::stop_host();
-    return status;
 }
