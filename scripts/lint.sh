@@ -17,6 +17,7 @@ cppcheck -j2 --quiet --error-exitcode=1 --enable=warning,performance,portability
 # How each source is compiled; one that is not compiled here (another system's) is not in the list. What Qt generates is
 # in the build folder, and so is not of the parts.
 echo "clang-tidy"
+mkdir -p build
 cmake --preset tidy >build/tidy.log 2>&1 || { cat build/tidy.log; exit 1; }
 for part in "${parts[@]}"; do
   sed -n "s|^ *\"file\": \"$PWD/\($part/.*\)\",\?\$|\1|p" build/tidy/compile_commands.json | sort -u
