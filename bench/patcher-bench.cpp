@@ -26,8 +26,8 @@ Json box(long number) {
         {{"maxclass", "number"}, {"numinlets", 1}, {"numoutlets", 2}, {"outlettype", {"", "bang"}}}};
     Json described = kinds[number % 3];
     described["id"] = "obj-" + std::to_string(number + 1);
-    described["patching_rect"] = {15.0 * static_cast<double>(number % 50), 30.0 * static_cast<double>(number / 50),
-                                  90.0, 22.0};
+    const long row = number / 50;
+    described["patching_rect"] = {15.0 * static_cast<double>(number % 50), 30.0 * static_cast<double>(row), 90.0, 22.0};
     return {{"box", std::move(described)}};
 }
 
