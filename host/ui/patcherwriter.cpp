@@ -5,6 +5,7 @@
 
 #include "kernel/atomtext.h"
 #include "kernel/outlets.h"
+#include "kernel/scheduler.h"
 #include "ui/patcherdocument.h"
 
 namespace maxhost {
@@ -216,7 +217,8 @@ void put_list(Json &patcher, const char *key, Json list) {
 Json saved_patcher(Patcher &patcher) {
     PatcherDocument &document = document_of(patcher);
     Json saved = document.patcher;
-    Json lines = saved_lines(patcher, document.lines);
+    Json lines;
+    between_deliveries([&] { lines = saved_lines(patcher, document.lines); }); // cords learn their places
     put_list(saved, "boxes", saved_boxes(patcher, document.boxes));
     put_list(saved, "lines", std::move(lines));
     return saved;
