@@ -6,6 +6,8 @@
 #include <cstring>
 #include <filesystem>
 
+#include "support/document-text.h"
+
 using namespace maxhost;
 
 namespace {
@@ -47,19 +49,7 @@ class XmlFaults : public FaultsTest {
         jxmlfile_count(holder, static_cast<long>(path.size()), path.data(), &count, 0);
     }
 
-    std::string document() const {
-        if (!holder->doc)
-            return "none";
-        xmlChar *dumped = nullptr;
-        int size = 0;
-        xmlDocDumpMemory(holder->doc, &dumped, &size);
-        const xml_text owned(dumped);
-        std::string text(reinterpret_cast<const char *>(dumped), static_cast<size_t>(size));
-        text.erase(0, text.find('\n') + 1);
-        while (text.ends_with('\n'))
-            text.pop_back();
-        return text;
-    }
+    std::string document() const { return document_text(holder->doc); }
 
     // An operation that takes a path: its result is 0 once nothing fails, and the document is then `after`. When it
     // fails the document is as before, or as one of those in between.

@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "support/document-text.h"
+
 using namespace maxhost;
 
 namespace {
@@ -93,19 +95,7 @@ bool XmlTest::reload() {
     return holder->loaded && holder->doc;
 }
 
-std::string XmlTest::document() const {
-    if (!holder->doc)
-        return "none";
-    xmlChar *dumped = nullptr;
-    int size = 0;
-    xmlDocDumpMemory(holder->doc, &dumped, &size);
-    const xml_text owned(dumped);
-    std::string text(reinterpret_cast<const char *>(dumped), static_cast<size_t>(size));
-    text.erase(0, text.find('\n') + 1);
-    while (text.ends_with('\n'))
-        text.pop_back();
-    return text;
-}
+std::string XmlTest::document() const { return document_text(holder->doc); }
 
 std::string XmlTest::expression(Atoms path, const std::string &before) {
     std::vector<char> buffer(JXMLFILE_EXPRESSION_SIZE, 0);
