@@ -82,8 +82,7 @@ void tessaroll_replace(t_tessaroll *box, t_atom_long position, t_symbol *text) {
 }
 
 void tessaroll_doappend(t_tessaroll *box, t_symbol *mode, short argc, t_atom *argv) {
-    if (argc > 0 && argv)
-        jlist_append(box->jlist, mode, atom_getsym(argv), argc, argv);
+    jlist_append(box->jlist, mode, atom_getsym(argv), argc, argv);
 }
 
 // Numbers below the list are all the row 0, which is none.

@@ -42,12 +42,12 @@ static row_arrays make_row_arrays(long count) {
     return arrays;
 }
 
-// Between the making of the arrays and the region only a "clear" can have changed the number of rows; few are left
-// then.
+// Between the making of the arrays and the region only a "clear" can have changed the number of rows: there is room for
+// those that are left then. False when memory has run out.
 static bool fit_row_arrays(row_arrays &arrays, long count) {
-    if (!arrays || arrays.count != count)
-        arrays = make_row_arrays(count);
-    return (bool)arrays;
+    const bool fit = arrays && count <= arrays.count;
+    arrays.count = count;
+    return fit;
 }
 
 static bool holds_texts(const t_jlist *list) {
@@ -542,11 +542,10 @@ static bool read_item(const t_jlist *list, t_jxmlfile *holder, t_atom *path, lon
         object_error(list->owner, "cannot find %s resource %ld", type->s_name, number);
         return false;
     }
-    const long kind = count ? atom_gettype(&value) : (long)A_NOTHING;
+    const long kind = atom_gettype(&value);
     if (kind == A_OBJ) {
         const host_block<char> block((char *)atom_getobj(&value));
-        const size_t size = block ? (size_t)sysmem_ptrsize(block.get()) : 0;
-        return make_item(list, {block.get(), size}, number, item);
+        return make_item(list, {block.get(), (size_t)sysmem_ptrsize(block.get())}, number, item);
     }
     if (kind == A_SYM && holds_texts(list)) {
         *item = atom_getsym(&value);

@@ -127,4 +127,12 @@ TEST_F(Program, EndsMessagesThatRunInACircle) {
     }
 }
 
+TEST_F(Program, EndsADumpWhoseNumbersAskForTheNextDump) {
+    const ScriptResult result = run_script(NEW_LIST + "new again message @text dump\nconnect list 0 again\n"
+                                                      "connect again 0 list\nlist append a\nlist append b\nlist dump\n"
+                                                      "list clear\nlist length\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.transcript.ends_with("list:1 0\nlist:1 0\n"));
+}
+
 } // namespace

@@ -136,6 +136,9 @@ TEST_F(JlistTest, AListNeedsNoView) {
     EXPECT_EQ(jlist_delete(hidden), 0);
     EXPECT_EQ(jlist_numrows(hidden), 2);
     EXPECT_EQ(jlist_getdata(hidden, 1), gensym("replace"));
+    jlist_setfontname(hidden, gensym("Times"));
+    jlist_setfontsize(hidden, 14.0);
+    jlist_setcellv(hidden, 20.0);
     jlist_newpatcherview(hidden, patcher);
     jlist_freepatcherview(hidden, patcher);
     jlist_free(hidden);

@@ -629,6 +629,13 @@ TEST_F(TessarollTest, AClickPutsOutTextAndNumber) {
     EXPECT_EQ(take_lines(), (Lines{"obj-1:2 three", "obj-1:0 int 3"})) << "and not how many there are";
 }
 
+TEST_F(TessarollTest, AClickOnARowThatIsGonePutsNothingOut) {
+    t_object *box = make_with({"one"});
+    for (const t_ptr_int row : {2, 0, -1})
+        object_method(box, gensym("selected"), gensym("vrk.tessaroll"), row);
+    EXPECT_EQ(take_lines(), no_lines);
+}
+
 TEST_F(TessarollTest, CellsArePaintedByTheBox) {
     t_object *box = make_with({"one", "two"});
     const DrawList drawn = painted_row(box, 2);
@@ -744,6 +751,13 @@ TEST_F(TessarollTest, SavingIntoNothingIsNoMisuse) {
     EXPECT_EQ(take_lines(), no_lines);
 }
 
+TEST_F(TessarollTest, NothingIsSavedOfNoBox) {
+    const OwnedDictionary dictionary = empty_dictionary();
+    const auto save = reinterpret_cast<void (*)(void *, t_dictionary *)>(method_of(make(), "jsave"));
+    save(nullptr, dictionary.get());
+    EXPECT_EQ(all_entries(dictionary), "");
+}
+
 TEST_F(TessarollTest, MoreItemsThanADeferredCallCarriesComeBackInOrder) {
     const Lines texts = numbered_texts(32770);
     t_object *box = make_with(texts);
@@ -771,6 +785,14 @@ TEST_F(TessarollTest, TheFirstAtomThatIsNoTextEndsTheRestoring) {
     for (const char *message : {"restoreitems c d e 4 f", "restoreitems 4 f", "restoreitems 4.5", "restoreitems"})
         send_and_drain(box, message);
     EXPECT_EQ(items(box), (Lines{"a", "b", "c", "d", "e"}));
+}
+
+TEST_F(TessarollTest, WithoutAtomsNothingIsRestored) {
+    t_object *box = make();
+    using Restore = void (*)(t_object *, t_symbol *, long, t_atom *);
+    reinterpret_cast<Restore>(method_of(box, "restoreitems"))(box, gensym("restoreitems"), 3, nullptr);
+    drain_queue();
+    EXPECT_EQ(items(box), no_lines);
 }
 
 TEST_F(TessarollTest, ANumberAmongTheFirstPieceEndsTheRestoringOfTheOthers) {
