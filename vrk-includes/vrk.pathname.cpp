@@ -75,10 +75,18 @@ short vrk_path_tempfolder(const char *subfolder) {
     return own ? folder_in(own, subfolder) : short{0};
 }
 
-// What turns UTF-8 into the encoding of a document, null when it has none. False when its encoding is not known.
+// What turns UTF-8 into the encoding of a document, null when it has none. False when its encoding is not known, or
+// when memory runs out: libxml2 then leaves the name of an encoder away, without which it never releases it.
 static bool find_encoder(const xmlDoc *doc, xmlCharEncodingHandlerPtr *encoder) {
-    *encoder = doc->encoding ? xmlFindCharEncodingHandler((const char *)doc->encoding) : nullptr;
-    return *encoder || !doc->encoding;
+    *encoder = nullptr;
+    if (!doc->encoding)
+        return true;
+    xml_text name(xmlStrdup(doc->encoding));
+    if (name)
+        *encoder = xmlFindCharEncodingHandler((const char *)doc->encoding);
+    if (*encoder && !(*encoder)->name)
+        (*encoder)->name = (char *)name.release();
+    return *encoder;
 }
 
 // A document on its way to a file.
@@ -87,9 +95,11 @@ struct document_output {
     xmlOutputBufferPtr buffer;
 };
 
+// Of a buffer that has run out of memory libxml2 knows how many bytes it had, and no bytes.
 static int write_bytes(void *output, const char *bytes, int count) {
     std::FILE *file = static_cast<document_output *>(output)->file;
-    return std::fwrite(bytes, 1, static_cast<size_t>(count), file) == static_cast<size_t>(count) ? count : -1;
+    const size_t size = (size_t)count;
+    return bytes && std::fwrite(bytes, 1, size, file) == size ? count : -1;
 }
 
 // libxml2 counts what a buffer has lost for want of memory as written; such a buffer has no content.

@@ -71,7 +71,9 @@ void stop_host() {
 
 MemoryInUse memory_in_use() { return {blocks_alive(), objects_alive(), symbols_alive()}; }
 
-void fail_nth_allocation(long n) { fail_allocation(n); }
+void fail_nth_allocation(long n) { fail_allocation(n, false); }
+void fail_allocations_from(long n) { fail_allocation(n, true); }
+long failed_allocations() { return allocation_failures(); }
 
 OwnedDictionary empty_dictionary() { return new_dictionary(); }
 

@@ -33,14 +33,21 @@ namespace maxhost {
 MAXHOST_EMBED void start_host(FrontEnd front_end);
 MAXHOST_EMBED void stop_host();
 
-// What plug-ins hold: blocks of the allocator, objects that they made or asked for; and all symbols, which stay for ever.
+// What plug-ins hold: blocks of the allocator, objects that they made or asked for; and all symbols, which stay for
+// ever.
 struct MemoryInUse {
     size_t blocks, objects, symbols;
 };
 MAXHOST_EMBED MemoryInUse memory_in_use();
 
-// The n-th allocation by plug-ins from now on fails, once; 0 takes that back.
+// The n-th allocation by plug-ins from now on (1: the next) fails, once; 0 takes that back.
 MAXHOST_EMBED void fail_nth_allocation(long n);
+
+// The n-th allocation and all after it fail; fail_nth_allocation(0) takes that back.
+MAXHOST_EMBED void fail_allocations_from(long n);
+
+// How many allocations have failed since either of them was called.
+MAXHOST_EMBED long failed_allocations();
 
 // ---- dictionaries
 

@@ -16,7 +16,9 @@ namespace {
 struct Books {
     std::mutex mutex;
     std::unordered_map<void *, t_ptr_size> sizes;
-    std::atomic<long> until_failure{0};
+    std::atomic<long> until_failure{0}; // 0: none fails; 1: the next one
+    std::atomic<bool> failures_last{false};
+    std::atomic<long> failures{0};
 };
 
 Books &books() {
@@ -47,12 +49,20 @@ size_t blocks_alive() {
     return books().sizes.size();
 }
 
-void fail_allocation(long n) { books().until_failure = n; }
+void fail_allocation(long n, bool lasting) {
+    books().failures = 0;
+    books().failures_last = lasting;
+    books().until_failure = n;
+}
+
+long allocation_failures() { return books().failures; }
 
 bool allocation_fails() {
+    const long last = books().failures_last ? 1 : 0;
     long left = books().until_failure.load();
-    while (left > 0 && !books().until_failure.compare_exchange_weak(left, left - 1)) {
+    while (left > last && !books().until_failure.compare_exchange_weak(left, left - 1)) {
     }
+    books().failures += left == 1;
     return left == 1;
 }
 

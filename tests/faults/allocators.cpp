@@ -11,7 +11,6 @@
 #include <libxml/xpathInternals.h>
 
 #include "embed/host.h"
-#include "ext_sysmem.h"
 
 #pragma GCC visibility push(default) // the linker brings the shared libraries' calls here too, but not at run time
 extern "C" {
@@ -29,24 +28,21 @@ void __wrap_xmlXPathEvalExpr(xmlXPathParserContextPtr run);
 namespace {
 
 thread_local Allocator armed;
-thread_local long until_failure = 0; // 0: nothing is to fail
+thread_local long until_failure = 0; // 0: nothing is to fail; 1: the next one
+thread_local Shortage shortage_to_come;
+thread_local bool has_failed = false;
 thread_local bool uncounted = false;
 std::atomic<std::size_t> xml_blocks{0};
 
-// Counts one allocation towards the one that fails; true when it is this one.
+// Counts one allocation towards the one that fails; true when it is this one, or one after it in a lasting shortage.
 bool fails(Allocator allocator) {
-    return until_failure > 0 && armed == allocator && !uncounted && --until_failure == 0;
-}
-
-// Whether the host's n-th allocation has been reached. A failure that is still to come is taken back.
-bool host_has_failed(long n) {
-    for (long i = 0; i < n; ++i) {
-        t_ptr block = sysmem_newptr(1);
-        if (!block)
-            return false;
-        sysmem_freeptr(block);
-    }
-    return true;
+    if (until_failure == 0 || armed != allocator || uncounted)
+        return false;
+    const bool now = until_failure == 1;
+    if (!now || shortage_to_come == Shortage::passing)
+        --until_failure;
+    has_failed |= now;
+    return now;
 }
 
 void *counted(void *block) {
@@ -90,12 +86,15 @@ const char *name_of(Allocator allocator) {
     return names[static_cast<std::size_t>(allocator)];
 }
 
-FailingAllocation::FailingAllocation(Allocator allocator, long n) : allocator_(allocator), n_(n) {
+FailingAllocation::FailingAllocation(Allocator allocator, Shortage shortage, long n) : allocator_(allocator) {
+    if (allocator == Allocator::host) {
+        shortage == Shortage::lasting ? maxhost::fail_allocations_from(n) : maxhost::fail_nth_allocation(n);
+        return;
+    }
     armed = allocator;
-    if (allocator == Allocator::host)
-        maxhost::fail_nth_allocation(n);
-    else
-        until_failure = n;
+    shortage_to_come = shortage;
+    has_failed = false;
+    until_failure = n;
 }
 
 FailingAllocation::~FailingAllocation() { end(); }
@@ -104,7 +103,8 @@ bool FailingAllocation::end() {
     if (ended_)
         return failed_;
     ended_ = true;
-    failed_ = allocator_ == Allocator::host ? host_has_failed(n_) : until_failure == 0;
+    failed_ = allocator_ == Allocator::host ? maxhost::failed_allocations() > 0 : has_failed;
+    maxhost::fail_nth_allocation(0);
     until_failure = 0;
     return failed_;
 }

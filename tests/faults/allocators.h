@@ -1,4 +1,4 @@
-// Allocators that fail once: the host's, malloc and new of the plug-in and of what it calls, and libxml2's own.
+// Allocators that fail: the host's, malloc and new of the plug-in and of what it calls, and libxml2's own.
 #pragma once
 
 #include <array>
@@ -12,20 +12,23 @@ inline constexpr std::array all_allocators = {Allocator::host, Allocator::plugin
                                               Allocator::libxml2};
 const char *name_of(Allocator allocator);
 
-// Has the n-th allocation (1: the next) of the calling thread fail, once, until the scope ends. One at a time.
+// What becomes of the allocations after the one that fails.
+enum class Shortage { passing, lasting };
+
+// Has the n-th allocation (1: the next) of the calling thread fail, and when the shortage lasts all after it, until the
+// scope ends. One at a time.
 class FailingAllocation {
   public:
-    FailingAllocation(Allocator allocator, long n);
+    FailingAllocation(Allocator allocator, Shortage shortage, long n);
     ~FailingAllocation();
     FailingAllocation(const FailingAllocation &) = delete;
     FailingAllocation &operator=(const FailingAllocation &) = delete;
 
-    // Takes a failure back that has not come yet. Whether it has come.
+    // Ends the shortage. Whether it has come.
     bool end();
 
   private:
     Allocator allocator_;
-    long n_;
     bool ended_ = false;
     bool failed_ = false;
 };

@@ -29,7 +29,7 @@ void FaultsTest::SetUp() {
 }
 
 void FaultsTest::TearDown() {
-    for (const auto &[allocator, count] : runs_)
+    for (const auto &[allocator, count] : runs)
         RecordProperty(name_of(allocator), static_cast<int>(count));
     HostTest::TearDown();
 }
@@ -67,5 +67,5 @@ void FaultsTest::run_ends(Allocator allocator, bool failed) {
     xmlResetLastError(); // libxml2 keeps what it last said
     EXPECT_EQ(libxml2_blocks(), xml_before_);
     EXPECT_EQ(files_open(), 0u);
-    runs_[allocator] += failed;
+    runs[allocator] += failed;
 }

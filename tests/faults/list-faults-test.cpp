@@ -273,37 +273,37 @@ using LoadingFaults = FaultsTest;
     _exit(status);
 }
 
+// The status of a process that runs a function.
+template <typename Function> int status_of_process(Function function) {
+    const pid_t child = fork();
+    if (child == 0)
+        leave(function());
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
 TEST_F(LoadingFaults, Registering) {
-    for (const Allocator allocator : all_allocators) {
-        bool failed = true;
-        long n = 0;
-        while (failed) {
-            ++n;
-            SCOPED_TRACE(std::string(name_of(allocator)) + " " + std::to_string(n));
-            const pid_t child = fork();
-            if (child == 0) {
-                FailingAllocation failing(allocator, n);
-                ext_main(nullptr);
-                leave(failing.end() ? 1 : 0);
-            }
-            int status = 0;
-            waitpid(child, &status, 0);
-            failed = WEXITSTATUS(status) == 1;
-            ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) <= 1) << "status " << status;
+    for (const Allocator allocator : all_allocators)
+        for (const Shortage shortage : {Shortage::passing, Shortage::lasting}) {
+            long n = 0;
+            int status;
+            do {
+                ++n;
+                status = status_of_process([=] {
+                    FailingAllocation failing(allocator, shortage, n);
+                    ext_main(nullptr);
+                    return failing.end() ? 1 : 0;
+                });
+                ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) <= 1)
+                    << name_of(allocator) << " " << n << ": status " << status;
+            } while (WEXITSTATUS(status) == 1);
+            runs[allocator] += n - 1;
         }
-        RecordProperty(name_of(allocator), static_cast<int>(n - 1));
-    }
 }
 
 TEST_F(LoadingFaults, OldHostsCallMain) {
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool registered = plugin_main() == 0 && new_list_box(new_patcher());
-        leave(registered ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(status_of_process([] { return plugin_main() == 0 && new_list_box(new_patcher()) ? 0 : 1; }), 0);
 }
 
 } // namespace

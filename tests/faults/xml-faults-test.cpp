@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "support/document-text.h"
+#include "vrk.pathname.h"
 
 using namespace maxhost;
 
@@ -286,6 +287,28 @@ TEST_F(XmlFaults, Writing) {
         },
         content);
     EXPECT_EQ(read_file(folder() + "/out.xml"), "<?xml version=\"1.0\"?>\n" + content + "\n");
+}
+
+TEST_F(XmlFaults, WritingALongTextInAnotherEncoding) {
+    const std::string whole =
+        "<?xml version=\"1.0\" encoding=\"ISO-8859-15\"?>\n<a>" + std::string(20000, 'x') + "\xA4</a>\n";
+    const std::string before = "what was there";
+    write_file("long.xml", whole);
+    const std::string path = folder() + "/out.xml";
+    sweep(
+        "write",
+        [&] {
+            write_file("out.xml", before);
+            holder = jxmlfile_new(nullptr);
+            jxmlfile_filename(holder, gensym((folder() + "/long.xml").c_str()));
+            jxmlfile_doread(holder);
+        },
+        [&] { vrk_save_document(gensym(path.c_str()), holder->doc); },
+        [&](bool failed) {
+            const std::string now = read_file(path);
+            EXPECT_TRUE(now == whole || (failed && now == before)) << now.size() << " bytes";
+        },
+        [this] { jxmlfile_free(holder); });
 }
 
 TEST_F(XmlFaults, EditorAndPrinting) {
