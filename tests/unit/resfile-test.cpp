@@ -465,6 +465,19 @@ TEST_F(PathnameTest, AFileThatIsNotThereIsNull) {
     EXPECT_EQ(take_lines(), Lines());
 }
 
+TEST_F(PathnameTest, AFileWhosePathIsTooLongForTheHostIsNull) {
+    std::string deep = std::string(200, 'd');
+    while (path_of(deep).size() + 250 < MAX_PATH_CHARS)
+        deep += "/" + std::string(200, 'd');
+    const std::string fits(MAX_PATH_CHARS - 2 - path_of(deep).size(), 'f'), too_long = fits + "f";
+    std::filesystem::create_directories(path_of(deep));
+    write_file(deep + "/" + fits, "");
+    write_file(deep + "/" + too_long, "");
+    set_search_folders({deep});
+    EXPECT_NE(vrk_file_locate(gensym(fits.c_str())), nullptr);
+    EXPECT_EQ(vrk_file_locate(gensym(too_long.c_str())), nullptr);
+}
+
 TEST_F(PathnameTest, TheTemporaryFolderIsMadeOnceAndFoundAgain) {
     setenv("TMPDIR", folder().c_str(), 1);
     const short first = vrk_path_tempfolder("images");
@@ -513,6 +526,14 @@ TEST_F(PathnameTest, ASavedFileKeepsItsPermissionsAndItsLink) {
     EXPECT_EQ(read_file(path_of("test.xml")), "<?xml version=\"1.0\"?>\n<a>text</a>\n");
     const auto files = std::filesystem::directory_iterator(folder());
     EXPECT_EQ(std::distance(begin(files), end(files)), 2) << "nothing is left beside them";
+}
+
+TEST_F(PathnameTest, ALinkThatLeadsNowhereIsNotReplaced) {
+    load("<a/>");
+    std::filesystem::create_symlink("missing.xml", path_of("link.xml"));
+    EXPECT_EQ(vrk_save_document(gensym(path_of("link.xml").c_str()), holder->doc), -1);
+    EXPECT_TRUE(std::filesystem::is_symlink(path_of("link.xml")));
+    EXPECT_FALSE(std::filesystem::exists(path_of("missing.xml")));
 }
 
 TEST_F(PathnameTest, WhatIsNoRegularFileIsNeverWrittenTo) {
