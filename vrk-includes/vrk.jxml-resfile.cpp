@@ -196,7 +196,7 @@ long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol
     append(end, item);
     const long path_count = end - path.data();
     const short room = count ? *count : 0;
-    if (!count || jxmlfile_get(holder, path_count, path.data(), value_kind, count, result, verbose) != 0) {
+    if (jxmlfile_get(holder, path_count, path.data(), value_kind, count, result, verbose) != 0) {
         object_error(holder->owner, "cannot get menu-item %ld of %s %ld", item, holder->xmlpath[1]->s_name, menu);
         return -1;
     }

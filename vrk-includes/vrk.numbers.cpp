@@ -25,19 +25,17 @@ double vrk_read_float(const char *text) {
 
 namespace {
 
+const locale_t c_locale = newlocale(LC_NUMERIC_MASK, "C", nullptr);
+
 // The calling thread's numbers are C's until the scope ends.
 class c_numbers {
   public:
-    c_numbers() : former(uselocale(c_locale())) {}
+    c_numbers() : former(uselocale(c_locale)) {}
     ~c_numbers() { uselocale(former); }
     c_numbers(const c_numbers &) = delete;
     c_numbers &operator=(const c_numbers &) = delete;
 
   private:
-    static locale_t c_locale() {
-        static const locale_t locale = newlocale(LC_NUMERIC_MASK, "C", nullptr);
-        return locale;
-    }
     locale_t former;
 };
 
