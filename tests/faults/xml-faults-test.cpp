@@ -137,6 +137,11 @@ TEST_F(XmlFaults, Getting) {
 TEST_F(XmlFaults, SettingTexts) {
     sweep_path("resourcefile resource string attr number 1 text new", set(), changed(" one ", "new"),
                {changed(" one ", "")});
+    for (const size_t length : {63, 64}) { // the room for them grows with the blank behind them, or before
+        const std::string two = std::string(length, 'x') + " " + std::string(length, 'y');
+        sweep_path("resourcefile resource string attr number 1 text " + two, set(), changed(" one ", two),
+                   {changed(" one ", "")});
+    }
     sweep_path("resourcefile resource string attr number 2 text a 1 2.5", set(),
                with("<string number=\"2\">a 1 2.500000</string>", "</resource>"),
                {with("<string number=\"2\"/>", "</resource>")});
@@ -275,6 +280,19 @@ TEST_F(XmlFaults, ReadingAndMakingFiles) {
             return document() == empty ? 0L : -1L;
         },
         empty);
+}
+
+TEST_F(XmlFaults, ReadingEntities) {
+    const std::string other = "<!DOCTYPE resourcefile [\n<!ENTITY e 'text <b k=\"1\"/>'>\n]>\n"
+                              "<resourcefile k=\"1\"><resource>&e;</resource></resourcefile>";
+    const std::string path = write_file("other.xml", "<?xml version=\"1.0\"?>\n" + other);
+    sweep_path("read entities",
+               [&](long, t_atom *) {
+                   holder->file_path = gensym(path.c_str());
+                   jxmlfile_doread(holder);
+                   return holder->loaded ? 0L : -1L;
+               },
+               other, {"none"});
 }
 
 TEST_F(XmlFaults, Writing) {

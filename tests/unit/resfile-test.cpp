@@ -242,6 +242,14 @@ TEST_F(ResourceTest, WithoutAHolderThereIsNothing) {
     EXPECT_EQ(jxmlresfile_get_menutitle(nullptr, 1, gensym("int"), &room, &first, 1), -1);
     EXPECT_EQ(jxmlresfile_count_menuitems(nullptr, 1, &number, 1), -1);
     EXPECT_EQ(jxmlresfile_get_menuitem(nullptr, 1, 0, gensym("int"), &room, &first, 1, 1), -1);
+    EXPECT_EQ(jxmlresfile_read(nullptr, gensym("never.xml")), nullptr);
+    EXPECT_FALSE(std::filesystem::exists(path_of("never.xml")));
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(ResourceTest, WithoutAFilenameNothingIsRead) {
+    EXPECT_EQ(jxmlresfile_read(holder, nullptr), nullptr);
+    EXPECT_EQ(holder->doc, nullptr);
     EXPECT_EQ(take_lines(), Lines());
 }
 
@@ -272,6 +280,15 @@ TEST_F(ResourceTest, AnItemIsReadWithItsCommandOrWithout) {
     load_menus();
     EXPECT_EQ(item(1, 0), "Copy/copy") << "the first word of the command";
     EXPECT_EQ(item(1, 0, 0), "Copy");
+}
+
+TEST_F(ResourceTest, AnItemNeedsAPlaceForItsCount) {
+    load_menus();
+    t_atom value = symbol_atom("untouched");
+    t_atom *first = &value;
+    EXPECT_EQ(jxmlresfile_get_menuitem(holder, 1, 0, gensym("text"), nullptr, &first, 1, 1), -1);
+    EXPECT_EQ(print_atom(value), "untouched");
+    EXPECT_EQ(take_lines(), (Lines{error("cannot get menu-item 0 of long 1")}));
 }
 
 TEST_F(ResourceTest, ASeparatorHasNoCommand) {
@@ -419,7 +436,9 @@ TEST_F(ResourceTest, AFileIsNeverMadeAnewBecauseMemoryRanOut) {
 TEST_F(ResourceTest, WithoutADocumentOpeningShowsAnAlert) {
     jxmlresfile_open(holder);
     jxmlresfile_open(nullptr);
-    EXPECT_EQ(take_lines(), Lines(2, "alert: No xml file loaded"));
+    holder->loaded = 1;
+    jxmlresfile_open(holder);
+    EXPECT_EQ(take_lines(), Lines(3, "alert: No xml file loaded"));
     EXPECT_EQ(holder->editor, nullptr);
 }
 

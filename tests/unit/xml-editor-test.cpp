@@ -2,6 +2,7 @@
 #include "support/xml-test.h"
 
 #include <filesystem>
+#include <limits>
 #include <utility>
 
 #include "vrk.pathname.h"
@@ -220,6 +221,8 @@ TEST_F(XmlEditorTest, TextEndsAtItsSizeOrAZero) {
     EXPECT_EQ(document(), text);
     EXPECT_EQ(edsave("<a>2</a>" + std::string("\0rubbish", 8), "test.xml", here), 1);
     EXPECT_EQ(document(), "<a>2</a>");
+    EXPECT_EQ(edsave("<a>3</a>", std::numeric_limits<long>::max(), "test.xml", here), 1);
+    EXPECT_EQ(document(), "<a>3</a>");
     EXPECT_EQ(take_lines(), Lines());
 }
 
@@ -383,6 +386,19 @@ TEST_F(XmlEditorTest, ALongLineIsCutInWholeCharacters) {
         EXPECT_TRUE(line.ends_with("é>")) << line;
         EXPECT_LE(line.size(), 1024u);
         EXPECT_GE(line.size(), 1022u);
+    }
+}
+
+TEST_F(XmlEditorTest, ALineIsTheBeginningOfItsTagWhereverItIsCut) {
+    for (size_t length = 1005; length < 1025; ++length) {
+        const std::string value(length, 'v');
+        const Lines posts = printed("<r><b k='" + value + "' é='€'/></r>");
+        ASSERT_EQ(posts.size(), 4u);
+        const std::string whole = "\n<b k=\"" + value + "\" é=\"€\"";
+        const size_t size = posts[1].size() - post("").size() - 1;
+        EXPECT_EQ(posts[1], post(whole.substr(0, size) + ">"));
+        EXPECT_LT(size, 1024u);
+        EXPECT_TRUE(size == whole.size() || (size > 1020 && (whole[size] & 0xC0) != 0x80)) << "cut in a character";
     }
 }
 

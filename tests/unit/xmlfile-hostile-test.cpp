@@ -79,6 +79,14 @@ TEST_F(XmlHostileTest, ReferencesInAttributesCount) {
                 repeated(100, "<y k=\"&b;\"/>") + "</x>'>]><a>" + repeated(60, "&c;") + "</a>");
 }
 
+TEST_F(XmlHostileTest, SectionsInEntitiesCountAndCommentsDoNot) {
+    const std::string size = std::string(10000, 'x'), references = "<a>" + repeated(1100, "&b;") + "</a>";
+    expect_bomb("<!DOCTYPE a [<!ENTITY b '<c><![CDATA[" + size + "]]></c>'>]>" + references);
+    ASSERT_EQ(load("<!DOCTYPE a [<!ENTITY b '<!--" + size + "--><?p?><?p " + size + "?>'>]>" + references), 1);
+    EXPECT_EQ(count("a"), "1");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
 TEST_F(XmlHostileTest, ReferencesThatAreSpreadOverTheDocumentCount) {
     expect_bomb(doctype(4000, 1) + "<a>" + repeated(2600, "<i>&b;</i>") + "</a>");
 }
@@ -119,6 +127,12 @@ TEST_F(XmlHostileTest, AnExternalEntityBringsNothingIn) {
     ASSERT_EQ(load("<!DOCTYPE a [<!ENTITY % e SYSTEM 'secret.txt'> %e;]><a>text</a>"), 1);
     EXPECT_EQ(text("a"), "text");
     ASSERT_EQ(load("<!DOCTYPE a SYSTEM 'secret.txt'><a>text</a>"), 1);
+    EXPECT_EQ(text("a"), "text");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlHostileTest, AReferenceThatAnotherFileMayDeclareIsNoText) {
+    ASSERT_EQ(load("<!DOCTYPE a SYSTEM 'missing.dtd'><a>text&e;</a>"), 1);
     EXPECT_EQ(text("a"), "text");
     EXPECT_EQ(take_lines(), Lines());
 }
@@ -246,11 +260,12 @@ TEST_F(XmlHostileTest, FilesWithoutTheHostsMemoryLeaveADocumentOrNone) {
 
 namespace {
 
-// Makes one allocation of libxml2 fail while it lives.
+// Makes one allocation of libxml2 fail while it lives; of those that make a block larger, when no others are to count.
 class FailingLibxml {
   public:
-    explicit FailingLibxml(long n) {
+    explicit FailingLibxml(long n, bool only_growing = false) {
         until_failure = n;
+        counts_all = !only_growing;
         xmlMemGet(&former_free, &former_malloc, &former_realloc, &former_strdup);
         xmlMemSetup(former_free, counting_malloc, counting_realloc, counting_strdup);
     }
@@ -261,11 +276,12 @@ class FailingLibxml {
 
   private:
     static bool fails() { return --until_failure == 0; }
-    static void *counting_malloc(size_t size) { return fails() ? nullptr : former_malloc(size); }
+    static void *counting_malloc(size_t size) { return counts_all && fails() ? nullptr : former_malloc(size); }
     static void *counting_realloc(void *block, size_t size) { return fails() ? nullptr : former_realloc(block, size); }
-    static char *counting_strdup(const char *text) { return fails() ? nullptr : former_strdup(text); }
+    static char *counting_strdup(const char *text) { return counts_all && fails() ? nullptr : former_strdup(text); }
 
     static inline long until_failure;
+    static inline bool counts_all;
     static inline xmlFreeFunc former_free;
     static inline xmlMallocFunc former_malloc;
     static inline xmlReallocFunc former_realloc;
@@ -310,8 +326,29 @@ TEST_F(XmlMemoryTest, AnEvaluationNeedsAContext) {
         const FailingLibxml failing(1);
         EXPECT_EQ(set("a * text x"), -4);
     }
-    EXPECT_EQ(take_lines(), Lines(3, error("unable to create new xpath context")));
+    {
+        Atoms path = typed("a");
+        t_atom *atoms = path.data();
+        long length = 1;
+        xpath_object found;
+        const FailingLibxml failing(1);
+        EXPECT_EQ(jxmlfile_get_nodeset(holder, &length, &atoms, &found), -4);
+    }
+    EXPECT_EQ(take_lines(), Lines(4, error("unable to create new xpath context")));
     EXPECT_EQ(document(), "<a/>");
+}
+
+TEST_F(XmlMemoryTest, SomeOfTheNodesAreNotTakenForAll) {
+    load("<a>" + repeated(50, "<b/>") + "</a>");
+    long failures = 0;
+    for (bool failed = true; failed; failures += failed) {
+        const FailingLibxml failing(failures + 1, true);
+        const std::string counted = count("a *");
+        failed = FailingLibxml::has_failed();
+        EXPECT_EQ(counted, failed ? "failed -1" : "50");
+    }
+    EXPECT_GT(failures, 0) << "the set of the nodes has to grow";
+    EXPECT_EQ(take_lines(), Lines(static_cast<size_t>(failures), unable("evaluate", "/a/*")));
 }
 
 TEST_F(XmlMemoryTest, ATextThatCannotBeStoredIsTold) {
@@ -335,6 +372,17 @@ TEST_F(XmlMemoryTest, BytesThatCannotBeStoredAreTold) {
 TEST_F(XmlMemoryTest, AnAttributeThatCannotBeSetIsTold) {
     const Lines told = with_failures("<a/>", [this] { setattr("a k v"); });
     EXPECT_TRUE(holds(told, warning("unable to set attribute k to v")));
+    EXPECT_EQ(with_failures("<a/>", [this] { setattr("a k v", {}, 0); }), Lines());
+}
+
+TEST_F(XmlMemoryTest, AnAttributeThatHasLostItsValueIsEmpty) {
+    const Lines told = with_failures("<a><b/></a>", [this] {
+        setattr("a b k v", {}, 0);
+        setattr("a b l w", {}, 0);
+        jxmlfile_print(holder);
+    });
+    EXPECT_TRUE(holds(told, post("\n<b k=\"\" l=\"w\">")));
+    EXPECT_TRUE(holds(told, post("\n<b k=\"v\" l=\"w\">")));
 }
 
 TEST_F(XmlMemoryTest, ElementsThatCannotBeMadeAreTold) {
@@ -352,4 +400,23 @@ TEST_F(XmlMemoryTest, NewDocumentsAndEditorsThatCannotBeMadeDoNoHarm) {
         jxmlfile_edclose(holder, nullptr, 0);
     });
     EXPECT_TRUE(holds(told, error("out of memory")));
+}
+
+namespace {
+
+std::string said;
+void note(void *, const char *text, ...) { said += text; }
+
+} // namespace
+
+TEST(QuietLibxml, WhatLibxmlPrintsStaysUnsaidUntilTheScopeEnds) {
+    said.clear();
+    xmlSetGenericErrorFunc(nullptr, note);
+    {
+        const quiet_libxml quiet;
+        xmlGenericError(xmlGenericErrorContext, "within");
+    }
+    xmlGenericError(xmlGenericErrorContext, "behind");
+    xmlSetGenericErrorFunc(nullptr, nullptr);
+    EXPECT_EQ(said, "behind");
 }

@@ -251,6 +251,8 @@ TEST_F(XmlNodesTest, ReadingNeedsRoom) {
     t_atom *nowhere = nullptr;
     EXPECT_EQ(jxmlfile_get(holder, 1, path.data(), gensym("int"), &count, &nowhere, 1), -2);
     EXPECT_EQ(jxmlfile_get(holder, 1, path.data(), gensym("int"), &count, nullptr, 1), -2);
+    t_atom *room = path.data();
+    EXPECT_EQ(jxmlfile_get(holder, 1, path.data(), gensym("int"), nullptr, &room, 1), -2);
     EXPECT_EQ(take_lines(), Lines());
 }
 
@@ -331,6 +333,7 @@ TEST_F(XmlNodesTest, MissingArgumentsAreRefused) {
     Atoms atoms = typed("a n");
     t_atom *nowhere = nullptr;
     EXPECT_EQ(jxmlfile_getattr(holder, 2, atoms.data(), gensym("int"), nullptr, &nowhere, 1), -2);
+    EXPECT_EQ(jxmlfile_getattr(holder, 2, atoms.data(), gensym("int"), nullptr, nullptr, 1), -2);
     EXPECT_EQ(getattr("n"), "failed -1") << "an empty path";
     EXPECT_EQ(take_lines(), (Lines{unable("evaluate", "")}));
 }
@@ -372,11 +375,45 @@ TEST_F(XmlNodesTest, LongValuesAreNotCut) {
 
 TEST_F(XmlNodesTest, ANameThatNoAttributeCanHaveIsRefused) {
     load("<a xmlns:p='u'/>");
-    for (const char *name : {"two words", "", "<", "a=b", "1st", "-a", "a:b:c", ":a", "a:", "a[3]", "xmlns:p"}) {
+    for (const char *name :
+         {"two words", "", "<", "a=b", "1st", "-a", "a:b:c", ":a", "a:", "a[3]", "a\x01", "\xC3", "xmlns:p"}) {
         EXPECT_EQ(setattr("a", {symbol_atom(name), symbol_atom("v")}), -1) << name;
         EXPECT_EQ(take_lines(), (Lines{error("\"" + std::string(name) + "\" cannot name an attribute")}));
     }
     EXPECT_EQ(document(), "<a xmlns:p=\"u\"/>");
+}
+
+TEST_F(XmlNodesTest, ANameOfAsciiIsOfLettersDigitsAndThreeSigns) {
+    const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz";
+    const std::string others = "-.0123456789";
+    load("<a/>");
+    for (char c = '!'; c <= '~'; ++c) {
+        const bool is_letter = letters.find(c) != letters.npos;
+        const bool is_other = others.find(c) != others.npos;
+        const std::string first = std::string(1, c) + "n", inner = std::string("n") + c + "n";
+        EXPECT_EQ(setattr("a", {symbol_atom(first), symbol_atom("1")}), is_letter ? 0 : -1) << c;
+        if (c != ':') { // of a prefix
+            EXPECT_EQ(setattr("a", {symbol_atom(inner), symbol_atom("2")}), is_letter || is_other ? 0 : -1) << c;
+        }
+    }
+    take_lines();
+    ASSERT_TRUE(reload());
+    EXPECT_EQ(attribute("a _n"), "1");
+    EXPECT_EQ(attribute("a n_n"), "2");
+    EXPECT_EQ(attribute("a n.n"), "2");
+}
+
+TEST_F(XmlNodesTest, ANamespaceThatIsDeclaredIsNotSetAsAnAttribute) {
+    load("<a xmlns='u' xmlns:p='v'/>");
+    for (const char *name : {"xmlns", "xmlns:p"}) {
+        EXPECT_EQ(setattr("*", {symbol_atom(name), symbol_atom("w")}), -1) << name;
+        EXPECT_EQ(take_lines(), (Lines{error("\"" + std::string(name) + "\" cannot name an attribute")}));
+    }
+    for (const char *name : {"xmlns:q", "xmlns-p", "xmlnsp"})
+        EXPECT_EQ(setattr("*", {symbol_atom(name), symbol_atom("w")}), 0) << name;
+    EXPECT_EQ(document(), "<a xmlns=\"u\" xmlns:p=\"v\" xmlns:q=\"w\" xmlns-p=\"w\" xmlnsp=\"w\"/>");
+    EXPECT_TRUE(reload());
+    EXPECT_EQ(take_lines(), Lines());
 }
 
 TEST_F(XmlNodesTest, AttributesWithAPrefixAreFoundAndReplaced) {

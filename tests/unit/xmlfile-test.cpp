@@ -3,6 +3,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+
+#include <sys/stat.h>
 
 #include "vrk.pathname.h"
 
@@ -276,6 +279,29 @@ TEST_F(XmlFileTest, AFileIsReadAgainAfterItCouldNotBeParsed) {
     take_lines();
 }
 
+TEST_F(XmlFileTest, WhatIsNoRegularFileIsNotRead) {
+    load("<a/>");
+    const std::string path = path_of("test.xml");
+    for (const auto &take_its_place : std::initializer_list<std::function<void()>>{
+             [&] { std::filesystem::create_directory(path); },
+             [&] { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }, // reading it would never end
+         }) {
+        std::filesystem::remove(path);
+        take_its_place();
+        jxmlfile_doread(holder);
+        EXPECT_EQ(holder->loaded, 0);
+        EXPECT_EQ(take_lines(), (Lines{error("unable to parse file " + path)}));
+    }
+}
+
+TEST_F(XmlFileTest, AFileOfMoreThanTwoGigabytesIsNotRead) {
+    load("<a/>");
+    std::filesystem::resize_file(path_of("test.xml"), 3'000'000'000); // takes no room on the disk
+    jxmlfile_doread(holder);
+    EXPECT_EQ(holder->loaded, 0);
+    EXPECT_EQ(take_lines(), (Lines{error("unable to parse file " + path_of("test.xml"))}));
+}
+
 TEST_F(XmlFileTest, LibxmlPrintsNothingOfItsOwn) {
     testing::internal::CaptureStderr();
     load("<a><b></a>", "bad.xml");
@@ -349,6 +375,19 @@ TEST_F(XmlFileTest, TheSearchPathIsSearched) {
     drain_queue();
     EXPECT_EQ(holder->loaded, 1);
     EXPECT_EQ(current_file(), path_of("searched/a.xml"));
+}
+
+TEST_F(XmlFileTest, AFileWhosePathIsTooLongForTheHostIsNotFound) {
+    load("<a/>");
+    std::string deep = path_of("deep");
+    while (deep.size() < MAX_PATH_CHARS)
+        deep += "/" + std::string(200, 'd');
+    std::filesystem::create_directories(deep);
+    std::ofstream(deep + "/far.xml") << declaration << "<b/>";
+    set_search_folders({deep});
+    read("far.xml");
+    EXPECT_EQ(take_lines(), (Lines{error("can't find far.xml")}));
+    EXPECT_EQ(current_file(), path_of("test.xml"));
 }
 
 // ---- reading from the queue

@@ -1,6 +1,8 @@
 // Writing text and bytes, and making elements on the way to them.
 #include "support/xml-test.h"
 
+#include <limits>
+
 using namespace maxhost;
 
 namespace {
@@ -108,6 +110,16 @@ TEST_F(XmlWritingTest, NumbersAreTheirLowEightBits) {
     EXPECT_EQ(get("a"), "block FF 01 41 FF 2C") << "zeros leave no trace";
 }
 
+TEST_F(XmlWritingTest, NumbersThatHaveNoLowBitsLeaveNoTrace) {
+    load("<a/>");
+    Atoms atoms(3);
+    atom_setfloat(&atoms[0], std::numeric_limits<double>::infinity());
+    atom_setfloat(&atoms[1], std::numeric_limits<double>::quiet_NaN());
+    atom_setlong(&atoms[2], 65);
+    EXPECT_EQ(set("a cdata", atoms), 0);
+    EXPECT_EQ(get("a"), "block 41");
+}
+
 TEST_F(XmlWritingTest, ZerosAmongSingleBytesAreOverwritten) {
     load("<a/>");
     EXPECT_EQ(set("a cdata 1 0 2 0"), 0);
@@ -194,7 +206,8 @@ TEST_F(XmlWritingTest, AMissingPositionBecomesPartOfTheName) {
     load("<a><b/></a>");
     EXPECT_EQ(set("a b 1 text there"), 0);
     EXPECT_EQ(set("a b 3 text made"), 0);
-    EXPECT_EQ(document(), "<a><b>there</b><b[3]>made</b[3]></a>");
+    EXPECT_EQ(set("a b -1 text below"), 0);
+    EXPECT_EQ(document(), "<a><b>there</b><b[3]>made</b[3]><b[-1]>below</b[-1]></a>");
 }
 
 TEST_F(XmlWritingTest, AFilterWithQuotesIsMadeAsItIsSpelled) {
@@ -234,7 +247,8 @@ TEST_F(XmlWritingTest, TheNodeThatIsSetIsHandedOut) {
 
 TEST_F(XmlWritingTest, WhatCannotBeAnElementIsNotMade) {
     load("<a k='1'/>");
-    for (const char *step : {"*", "@x", "text()", "child::c", "c=1", "c[d]", "c[last()]", "b[c]", "self::c"})
+    for (const char *step :
+         {"*", "@x", "text()", "child::c", "c=1", "c[d]", "c[last()]", "b[c]", "c[1+1]", "self::c", "b | id('[@n=')"})
         expect_refused("a \"" + std::string(step) + "\" text x", unable("create node at", "/a/" + std::string(step)));
     expect_refused("a .. b text x", unable("create node at", "/a/../b"));
     expect_refused("a @k b text x", unable("create node at", "/a/@k/b"));
@@ -243,6 +257,14 @@ TEST_F(XmlWritingTest, WhatCannotBeAnElementIsNotMade) {
 TEST_F(XmlWritingTest, WhatCannotBeAnAttributeIsNotMade) {
     load("<a/>");
     expect_refused("a b attr * 5 text x", unable("create attribute at", "/a/b[@*=5]"));
+    expect_refused("a b attr n \"'\xC3'\" text x", unable("create attribute at", "/a/b[@n='\xC3']"));
+}
+
+TEST_F(XmlWritingTest, AFilterWithoutAValueMakesNoAttribute) {
+    load("<a/>");
+    EXPECT_EQ(set("a \"b[@n]\" text one"), 0);
+    EXPECT_EQ(set("a \"c[@n>'=]']\" text two"), 0);
+    EXPECT_EQ(document(), "<a><b>one</b><c>two</c></a>");
 }
 
 TEST_F(XmlWritingTest, WhatIsThereAndNoElementIsNotWrittenTo) {
