@@ -88,7 +88,10 @@ t_max_err set_patching_rect(t_jbox *box, void *, long ac, t_atom *av) {
 }
 
 void add_attribute(t_class *cls, const char *name, const char *type, long count, method get, method set, long offset) {
-    class_addattr(cls, attr_offset_array_new(name, gensym(type), count, ATTR_FLAGS_NONE, get, set, 0, offset));
+    t_object *attribute = attr_offset_array_new(name, gensym(type), count, ATTR_FLAGS_NONE, get, set, 0, offset);
+    if (!attribute)
+        return;
+    class_addattr(cls, attribute);
     class_attr_addattr_parse(cls, name, "save", gensym("long"), 0, "1");
 }
 

@@ -103,9 +103,9 @@ bool FailingAllocation::end() {
     if (ended_)
         return failed_;
     ended_ = true;
+    until_failure = 0;
     failed_ = allocator_ == Allocator::host ? maxhost::failed_allocations() > 0 : has_failed;
     maxhost::fail_nth_allocation(0);
-    until_failure = 0;
     return failed_;
 }
 

@@ -307,9 +307,28 @@ TEST_F(XmlFaults, Writing) {
     EXPECT_EQ(read_file(folder() + "/out.xml"), "<?xml version=\"1.0\"?>\n" + content + "\n");
 }
 
+// A long text in an encoding for which libxml2 makes an encoder.
+const std::string long_and_encoded =
+    "<?xml version=\"1.0\" encoding=\"ISO-8859-15\"?>\n<a>" + std::string(20000, 'x') + "\xA4</a>\n";
+
+TEST_F(XmlFaults, ReadingALongTextInAnotherEncoding) {
+    const std::string path = write_file("long.xml", long_and_encoded);
+    sweep(
+        "read",
+        [&] {
+            holder = jxmlfile_new(nullptr);
+            jxmlfile_filename(holder, gensym(path.c_str()));
+        },
+        [&] { jxmlfile_doread(holder); },
+        [&](bool failed) {
+            EXPECT_TRUE(holder->loaded || failed);
+            EXPECT_TRUE(!holder->loaded || document().size() > 20000);
+        },
+        [this] { jxmlfile_free(holder); });
+}
+
 TEST_F(XmlFaults, WritingALongTextInAnotherEncoding) {
-    const std::string whole =
-        "<?xml version=\"1.0\" encoding=\"ISO-8859-15\"?>\n<a>" + std::string(20000, 'x') + "\xA4</a>\n";
+    const std::string &whole = long_and_encoded;
     const std::string before = "what was there";
     write_file("long.xml", whole);
     const std::string path = folder() + "/out.xml";
