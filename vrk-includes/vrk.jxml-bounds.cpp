@@ -118,7 +118,9 @@ class Scanner {
     size_t end() const { return at_; } // of what was looked at
 
   private:
-    char now() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+    // What stands here, or so many bytes ahead; at the end of the text a byte that no markup has.
+    char now() const { return ahead(0); }
+    char ahead(size_t bytes) const { return at_ + bytes < text_.size() ? text_[at_ + bytes] : '\0'; }
     bool begins(std::string_view piece) const { return text_.substr(at_).starts_with(piece); }
     bool refuse(const char *format, long limit);
     bool count_pieces(long pieces);
@@ -159,19 +161,23 @@ bool Scanner::refuse(const char *format, long limit) {
 
 bool Scanner::count_pieces(long pieces) {
     pieces_ += pieces;
-    return pieces_ <= JXML_PIECE_LIMIT ||
-           refuse("%s has more than %ld tags, attributes and references", JXML_PIECE_LIMIT);
+    if (pieces_ > JXML_PIECE_LIMIT)
+        return refuse("%s has more than %ld tags, attributes and references", JXML_PIECE_LIMIT);
+    return true;
 }
 
 bool Scanner::count_words(long words) {
     words_ += words;
-    return words_ <= JXML_WORD_LIMIT || refuse("the document type of %s has more than %ld words", JXML_WORD_LIMIT);
+    if (words_ > JXML_WORD_LIMIT)
+        return refuse("the document type of %s has more than %ld words", JXML_WORD_LIMIT);
+    return true;
 }
 
 bool Scanner::compare(long comparisons) {
     comparisons_ += comparisons;
-    return comparisons_ <= JXML_COMPARISON_LIMIT ||
-           refuse("attributes of %s need more than %ld comparisons", JXML_COMPARISON_LIMIT);
+    if (comparisons_ > JXML_COMPARISON_LIMIT)
+        return refuse("attributes of %s need more than %ld comparisons", JXML_COMPARISON_LIMIT);
+    return true;
 }
 
 // Behind the ending of a comment, a CDATA section or a processing instruction.
@@ -188,11 +194,11 @@ bool Scanner::skip_construct(std::string_view beginning, std::string_view ending
 
 // One whose target does not begin in ASCII may be none to libxml2, so that no tag may be in it.
 bool Scanner::processing_instruction() {
-    const size_t target = at_ + 2;
-    if (target >= text_.size() || !starts_name(text_[target]))
+    const char target = ahead(2);
+    if (!starts_name(target))
         return false;
-    const size_t tag = text_.find('<', target);
-    if (static_cast<signed char>(text_[target]) > 0 || tag > text_.find("?>", target))
+    const size_t tag = text_.find('<', at_ + 2);
+    if (static_cast<signed char>(target) > 0 || tag > text_.find("?>", at_ + 2))
         return skip_construct("<?", "?>");
     at_ = std::min(tag, text_.size());
     return false;
@@ -209,7 +215,7 @@ bool Scanner::markup() {
         return processing_instruction();
     if (begins("</"))
         return end_tag();
-    return at_ + 1 < text_.size() && starts_name(text_[at_ + 1]) && start_tag();
+    return starts_name(ahead(1)) && start_tag();
 }
 
 // ---- tags
@@ -253,7 +259,7 @@ bool Scanner::start_tag() {
     while (at_ < text_.size() && !is_blank(now()) && now() != '/' && now() != '>' && now() != '<')
         ++at_;
     long attributes = 0, namespaces = 0;
-    while (at_ < text_.size()) {
+    for (;;) {
         if (is_blank(now()))
             ++at_;
         else if (now() == '>' || begins("/>"))
@@ -261,7 +267,6 @@ bool Scanner::start_tag() {
         else if (!attribute(attributes, namespaces))
             return false;
     }
-    return false;
 }
 
 bool Scanner::tag_is_whole(long attributes, long namespaces, bool is_empty) {
@@ -305,7 +310,7 @@ bool Scanner::document_type() {
 }
 
 bool Scanner::declarations() {
-    while (at_ < text_.size() && now() != ']') {
+    while (now() != ']') {
         const size_t before = at_;
         if (is_blank(now())) {
             ++at_;
@@ -353,7 +358,8 @@ bool Scanner::declaration() {
         if (is_part && !in_word) {
             if (!count_words(1))
                 return false;
-            declares_ids_ = declares_ids_ || (begins("ID") && at_ + 2 < text_.size() && is_blank(text_[at_ + 2]));
+            if (begins("ID") && is_blank(ahead(2)))
+                declares_ids_ = true;
         }
         declared_ += is_part && !in_word && of_attributes;
         in_word = is_part;
@@ -382,12 +388,15 @@ bool Scanner::literal(bool of_attributes, bool of_parameter) {
     }
     declared_ += of_attributes;
     parameter_words_ += of_parameter ? words : 0;
-    declares_ids_ = declares_ids_ || (of_parameter && (references > 0 || value.find("ID") != value.npos));
+    if (of_parameter && (references > 0 || value.find("ID") != value.npos))
+        declares_ids_ = true;
     literal_tags_ += tags;
-    if (tags > 0 && attributes > JXML_ATTRIBUTE_LIMIT)
+    if (tags == 0)
+        attributes = 0; // they are text
+    if (attributes > JXML_ATTRIBUTE_LIMIT)
         return refuse("a tag of %s has more than %ld attributes", JXML_ATTRIBUTE_LIMIT);
-    return count_words(1) && count_pieces(tags + references + (tags > 0 ? attributes : 0)) &&
-           compare(tags > 0 ? attributes * attributes : 0);
+    comparisons_ += attributes * attributes; // too many are found by the next tag, or at the end
+    return count_words(1) && count_pieces(tags + references + attributes);
 }
 
 // ---- all of it
@@ -429,7 +438,7 @@ static jxml_refusal check(std::string_view *text) {
     std::string_view seen = *text;
     if (utf16)
         seen = narrow = narrowed(*text, width);
-    const size_t mark = seen.starts_with("\xEF\xBB\xBF") ? 3 : utf16 && !seen.empty() && seen[0] == '\x80' ? 1 : 0;
+    const size_t mark = seen.starts_with("\xEF\xBB\xBF") ? 3 : utf16 && seen.starts_with('\x80') ? 1 : 0;
     seen.remove_prefix(mark);
     const std::vector<std::string> encodings = declared_encodings(seen);
     if (width == Width::unknown || !is_transparent(encodings, utf16))

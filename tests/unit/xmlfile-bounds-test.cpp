@@ -86,13 +86,28 @@ TEST(JxmlBounds, Pieces) {
         EXPECT_EQ(verdict("<r>" + repeated(2'000'000, piece) + "</r>"), many_pieces) << piece;
     }
     EXPECT_EQ(verdict("<r>" + repeated(400'000, "<a k=''/><!----><?p?><![CDATA[]]>") + "</r>"), many_pieces);
-    EXPECT_EQ(verdict("<r k='" + repeated(2'000'000, "&e;") + "'/>"), many_pieces);
+}
+
+TEST(JxmlBounds, ReferencesWhereverTheyStand) {
+    const auto text = [](const std::string &references) { return "<r>" + references + "</r>"; };
+    const auto value = [](const std::string &references) { return "<r k='" + references + "'/>"; };
+    const auto entity = [](const std::string &references) {
+        return "<!DOCTYPE r [<!ENTITY e '" + references + "'>]><r/>";
+    };
+    EXPECT_EQ(verdict(text(std::string(1'999'999, '&'))), "read");
+    EXPECT_EQ(verdict(text(std::string(2'000'000, '&'))), many_pieces);
+    EXPECT_EQ(verdict(text(std::string(1'999'999, '&') + "<a/>")), many_pieces) << "a tag counts as much";
+    EXPECT_EQ(verdict(value(std::string(2'000'000, '&'))), many_pieces);
+    EXPECT_EQ(verdict(entity(std::string(1'999'999, '&'))), "read");
+    EXPECT_EQ(verdict(entity(std::string(2'000'001, '&'))), many_pieces);
 }
 
 TEST(JxmlBounds, WordsOfADocumentType) {
     EXPECT_EQ(verdict(words(20'000)), "read");
     EXPECT_EQ(verdict(words(20'001)), many_words);
-    EXPECT_EQ(verdict(words(19'995, "<!ENTITY e 'a text of many words'>")), "read");
+    EXPECT_EQ(verdict(words(19'997, "<!ENTITY e 'a text of many words'>")), "read");
+    EXPECT_EQ(verdict(words(19'998, "<!ENTITY e 'a text of many words'>")), many_words);
+    EXPECT_EQ(verdict("<!DOCTYPE a [<!ENTITY e " + repeated(20'000, "''") + ">]><a/>"), many_words);
     EXPECT_EQ(verdict("<!DOCTYPE a [<!ENTITY % p '" + repeated(200, "b|") + "'>" + repeated(100, "%p;") + "]><a/>"),
               many_words)
         << "what stands for declarations counts wherever it stands";
@@ -115,6 +130,18 @@ TEST(JxmlBounds, Identifiers) {
     EXPECT_EQ(verdict("<r>" + repeated(100'001, "<a xml:id=''/>") + "</r>"), many_identifiers);
     EXPECT_EQ(verdict(declared + "<r>" + repeated(100'001, element) + "</r>"), many_identifiers);
     EXPECT_EQ(verdict("<r>" + repeated(100'001, element) + "</r>"), "read");
+    const auto typed_by = [&](const std::string &declarations) {
+        return "<!DOCTYPE r [" + declarations + "]><r>" + repeated(100'001, element) + "</r>";
+    };
+    EXPECT_EQ(verdict(typed_by("<!ATTLIST a i IDREF #IMPLIED>")), "read");
+    EXPECT_EQ(verdict(typed_by("<!ENTITY % t 'CDATA'><!ATTLIST a i %t; #IMPLIED>")), "read");
+    EXPECT_EQ(verdict(typed_by("<!ENTITY % t 'ID'><!ATTLIST a i %t; #IMPLIED>")), many_identifiers);
+    EXPECT_EQ(verdict(typed_by("<!ENTITY % t '&#73;D'><!ATTLIST a i %t; #IMPLIED>")), many_identifiers);
+}
+
+TEST(JxmlBounds, TagsOfAnyName) {
+    for (const std::string name : {"A", "_a", ":a", "a:a", "\xC3\xA9"})
+        EXPECT_EQ(verdict("<" + name + attributes(1001) + ">"), many_attributes) << name;
 }
 
 // ---- what hides tags from a look at the bytes
@@ -129,16 +156,21 @@ TEST(JxmlBounds, NothingIsReadBehindAPlaceWhereAllParsersGiveUp) {
                                     "<a",
                                     "</a ",
                                     "<a/><!-- \x01 ",
+                                    "<a/><!-- \xEF\xBF\xBE ",
                                     "<a/><!-- \xEF\xBF\xBF ",
                                     "<a/><!-- \xED\xA0\x80 ",
                                     "<a><![CDATA[ \x02",
+                                    "<a><!DOCTYPE a [",
                                     "<a><? ",
                                     "<a><?1 ",
                                     "<a><?\xC3\x97 ",
                                     "<a><!x ",
+                                    "<a><{",
                                     "<a>< ",
                                     "<!DOCTYPE \"",
                                     "<!DOCTYPE a [<",
+                                    "<!DOCTYPE a [<? ",
+                                    "<!DOCTYPE a [<!x",
                                     "<!DOCTYPE a [<!ELEMENT a ",
                                     "<!DOCTYPE a [<!ELEMENT a > ",
                                     "<!DOCTYPE a [] ",
@@ -156,21 +188,41 @@ TEST(JxmlBounds, WellFormedTextsAreNotCut) {
          {"<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes'?>\n<!-- < \" -- > --><a/>\n",
           "<!DOCTYPE a SYSTEM \"x'y\" [<!ENTITY e '<b k=\"1\">]]></b>'><!-- ' --><?p ' ?> %p;\n]\n >\n<a>&e;</a>",
           "<!DOCTYPE a><a k='>' l = \"'\"\n>text > ' \" ]] <b /></a>", "<a><![CDATA[<b k=]] >]]]]><?p <b k=?></a >",
-          "\xEF\xBB\xBF<a>\xC3\xA9</a>", "<\xC3\xA9 \xC3\xA9='\xED\x9F\xBF'/>"}) {
-        std::string_view seen(text);
-        EXPECT_EQ(jxml_bounds_check(&seen).format, nullptr) << text;
-        EXPECT_EQ(seen, text);
+          "<?xml version='1.0' standalone='no'?>\r\n<a\tk\r=\r'v'\r/>\r\n", "<a><?\xC3\xA9 text?></a>",
+          "\xEF\xBB\xBF<a>\xC3\xA9</a>", "<\xC3\xA9 \xC3\xA9='\xED\x9F\xBF\xEF\xBF\xBD\xEF\xBC\x81'/>"})
+        EXPECT_EQ(cut(text), text);
+}
+
+TEST(JxmlBounds, ATextMayEndAnywhere) {
+    const std::string whole = "<?xml version='1.0'?><!DOCTYPE a SYSTEM 'x' [ <!-- c --><?p q?>"
+                              "<!ENTITY % p '<!ELEMENT b ANY>'>%p;<!ATTLIST a i ID #IMPLIED>]> <?p ?><!-- c -->"
+                              "<a k = 'v' l=\"&#1;\">&lt;<![CDATA[ ]]><b /><\xC3\xA9/><?\xC3\xA9?></a>\xEF\xBF\xBD";
+    for (const std::string &text : {whole, utf16(whole, false)}) {
+        for (size_t length = 0; length <= text.size(); ++length) {
+            const std::vector<char> bytes(text.data(), text.data() + length); // without a terminator behind
+            std::string_view seen(bytes.data(), length);
+            EXPECT_EQ(jxml_bounds_check(&seen).format, nullptr) << length;
+            EXPECT_LE(seen.size(), length);
+        }
     }
+}
+
+TEST(JxmlBounds, AWideTextIsCutAtWhatIsNoCharacter) {
+    const auto behind = [](const std::string &text) { return utf16(text, false).substr(2); };
+    const std::string start = utf16("<a/><!-- ", false), tag = behind("<hidden" + attributes(1001) + ">");
+    EXPECT_EQ(cut(start + "\xFE\xFF" + tag), start + "\xFE\xFF") << "U+FFFE is none";
+    EXPECT_EQ(verdict(start + "\xE9\xE9" + behind("-->") + tag), many_attributes);
 }
 
 TEST(JxmlBounds, OnlyEncodingsInWhichMarkupIsSeen) {
     const auto declared = [](const std::string &name) { return "<?xml version='1.0' encoding='" + name + "'?><a/>"; };
-    for (const char *name : {"UTF-8", "utf-8", "ISO-8859-1", "iso-8859-15", "US-ASCII", "windows-1252", "Shift_JIS",
-                             "EUC-JP", "GBK", "Big5", "KOI8-R", "UTF-16"})
+    for (const char *name : {"UTF-8", "utf-8", "utf8", "ISO-8859-1", "iso-8859-15", "US-ASCII", "windows-1252",
+                             "Shift_JIS", "EUC-JP", "GBK", "Big5", "KOI8-R", "UTF-16", "utf16"})
         EXPECT_EQ(verdict(declared(name)), "read") << name;
-    for (const char *name : {"UTF-7", "UTF-16LE", "ISO-2022-JP", "HZ", "IBM037", "UCS-4", "EBCDIC-US"})
+    for (const char *name : {"UTF-7", "UTF-16LE", "ISO-2022-JP", "HZ", "IBM037", "UCS-4", "EBCDIC-US", "x{y}"})
         EXPECT_EQ(verdict(declared(name)), "the encoding of it is not supported") << name;
     EXPECT_EQ(verdict(std::string("\0\0\0<", 4)), "the encoding of it is not supported");
+    EXPECT_EQ(verdict(std::string("<\0\0\0", 4)), "the encoding of it is not supported");
     EXPECT_EQ(verdict("\x4C\x6F\xA7\x94"), "the encoding of it is not supported");
     for (const bool big_endian : {false, true}) {
         EXPECT_EQ(verdict(utf16(declared("UTF-16"), big_endian)), "read");
