@@ -165,7 +165,7 @@ size_t depth_of(const xmlNode *node) {
     size_t depth = 0;
     for (; node && node->type == XML_ELEMENT_NODE; node = node->parent)
         ++depth;
-    return node && (node->type == XML_DOCUMENT_NODE || node->type == XML_HTML_DOCUMENT_NODE) ? depth : 0;
+    return node && node->type == XML_DOCUMENT_NODE ? depth : 0;
 }
 
 // ---- indexes
@@ -252,11 +252,11 @@ void forget(number_index &index, double number, const xmlNode *element) {
         if (each.element != element)
             continue;
         each.element = nullptr;
-        if (++index.gone > index.elements.size() / 2) {
-            std::erase_if(index.elements, [](const numbered_element &one) { return !one.element; });
-            index.gone = 0;
-        }
-        return;
+        ++index.gone;
+    }
+    if (index.gone > index.elements.size() / 2) {
+        std::erase_if(index.elements, [](const numbered_element &each) { return !each.element; });
+        index.gone = 0;
     }
 }
 
@@ -276,7 +276,6 @@ void add(number_index &index, double number, xmlNodePtr element) {
 } // namespace
 
 struct jxml_index {
-    xmlDocPtr doc = nullptr; // that all of them are of
     std::array<number_index, most_indexes> indexes;
     size_t oldest = 0;
 
@@ -306,9 +305,11 @@ void add_to(path_selection *selection, xmlNodePtr node) {
 void select_numbered(number_index &index, const plain_path &path, path_selection *out) {
     const size_t rest = path.count - path.filtered;
     for (const numbered_element &each : find(index, path.steps[path.filtered - 1].number)) {
-        if (each.element && rest == 0)
+        if (!each.element)
+            continue;
+        if (rest == 0)
             add_to(out, each.element);
-        else if (each.element)
+        else
             walk(each.element, path.steps.data() + path.filtered, rest, [out](xmlNodePtr node) { add_to(out, node); });
     }
 }
@@ -346,10 +347,6 @@ template <typename Change> void change_each(jxml_index *all, const Change &chang
 
 bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression, path_selection *out) {
     *out = {};
-    if (*index && (*index)->doc != doc) {
-        delete *index;
-        *index = nullptr;
-    }
     if (*index && select_again(**index, expression, out))
         return true;
     plain_path path;
@@ -363,7 +360,6 @@ bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression
     try {
         if (!*index)
             *index = new jxml_index;
-        (*index)->doc = doc;
         select_numbered(index_for(**index, doc, path), path, out);
         return true;
     } catch (const std::bad_alloc &) {
@@ -372,7 +368,7 @@ bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression
 }
 
 xmlNodePtr jxml_index_parent(jxml_index *index, xmlDocPtr doc, const char *expression) {
-    if (index && index->doc == doc && index->parent && index->parent_path == expression)
+    if (index && index->parent && index->parent_path == expression)
         return index->parent;
     plain_path path;
     path_selection selection{};
@@ -380,7 +376,7 @@ xmlNodePtr jxml_index_parent(jxml_index *index, xmlDocPtr doc, const char *expre
         return nullptr;
     walk(reinterpret_cast<const xmlNode *>(doc), path.steps.data(), path.count,
          [&](xmlNodePtr node) { add_to(&selection, node); });
-    if (index && index->doc == doc) {
+    if (index) {
         try {
             index->parent_path = expression;
             index->parent = selection.first;
@@ -404,9 +400,7 @@ void jxml_index_added(jxml_index *all, xmlNodePtr element) {
 
 void jxml_index_attribute_set(jxml_index *all, xmlNodePtr element, const char *name) {
     change_each(all, [element, name](number_index &index) {
-        if (is_filter_above(index, element, name))
-            drop(index);
-        else if (attribute_of(index) == name && relate(index, element) == relation::same)
+        if (attribute_of(index) == name && relate(index, element) == relation::same)
             add(index, number_of(element, attribute_of(index)), element);
     });
 }
@@ -424,16 +418,11 @@ void jxml_index_removed(jxml_index *all, xmlNodePtr element) {
     if (all)
         all->parent = nullptr;
     change_each(all, [element](number_index &index) {
-        switch (relate(index, element)) {
-        case relation::same:
+        const relation found = relate(index, element);
+        if (found == relation::same)
             forget(index, number_of(element, attribute_of(index)), element);
-            break;
-        case relation::above:
+        else if (found == relation::above)
             drop(index);
-            break;
-        case relation::none:
-            break;
-        }
     });
 }
 

@@ -18,7 +18,7 @@ struct path_selection {
     xmlNodePtr first;
 };
 
-// The indexes of one document, made when they are first needed.
+// The indexes of one document, made when they are first needed. They have to go before another is asked about.
 struct jxml_index;
 
 // Answers a plain path; false when it is none, or memory runs out: then XPath has to be asked. `*index` is null before
@@ -29,8 +29,9 @@ bool jxml_index_select(jxml_index **index, xmlDocPtr doc, const char *expression
 // is mostly that of the element before.
 xmlNodePtr jxml_index_parent(jxml_index *index, xmlDocPtr doc, const char *expression);
 
-// An element was made, or got the attribute `name`: after that has happened. It loses the attribute, or gets another
-// value for it: before. It is taken out of the document, or its content is replaced: before. A null index is accepted.
+// An element was made: after that has happened. Its attribute `name` is set or taken away: "lost" before, even when it
+// has none yet; "set" after it was set, in addition. It is taken out of the document, or its content is replaced:
+// before. A null index is accepted.
 void jxml_index_added(jxml_index *index, xmlNodePtr element);
 void jxml_index_attribute_set(jxml_index *index, xmlNodePtr element, const char *name);
 void jxml_index_attribute_lost(jxml_index *index, xmlNodePtr element, const char *name);

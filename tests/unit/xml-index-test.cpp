@@ -2,6 +2,7 @@
 #include "support/xml-test.h"
 
 #include <random>
+#include <utility>
 
 #include "support/xml-paths.h"
 
@@ -185,6 +186,45 @@ TEST_F(XmlIndexTest, ChildrenOfAnEntityReferenceAreNotFound) {
     EXPECT_EQ(agreed("a b"), 1);
 }
 
+TEST_F(XmlIndexTest, ChangesInsideOfAnEntityLeaveTheDocumentsElementsAlone) {
+    load("<!DOCTYPE a [<!ENTITY e '<b n=\"5\"/>'>]><a><c/>&e;<b n='5'/></a>");
+    EXPECT_EQ(agreed("a b attr n 5"), 1);
+    EXPECT_EQ(setattr("a c following::b 1 n 6"), 0);
+    EXPECT_EQ(attribute("a c following::b 1 n"), "6");
+    EXPECT_EQ(agreed("a b attr n 5"), 1);
+    EXPECT_EQ(agreed("a b attr n 6"), 0);
+}
+
+TEST_F(XmlIndexTest, AnElementOutsideOfTheDocumentIsNeverFound) {
+    load("<a n='1'/>");
+    EXPECT_EQ(agreed("a attr n 1"), 1);
+    xmlNodePtr loose = xmlNewDocNode(holder->doc, nullptr, BAD_CAST "a", nullptr);
+    jxml_index_attribute_lost(holder->index, loose, "n");
+    xmlNewProp(loose, BAD_CAST "n", BAD_CAST "2");
+    jxml_index_attribute_set(holder->index, loose, "n");
+    jxml_index_added(holder->index, loose);
+    EXPECT_EQ(agreed("a attr n 2"), 0);
+    jxml_index_removed(holder->index, loose);
+    xmlFreeNode(loose);
+    EXPECT_EQ(agreed("a attr n 1"), 1);
+}
+
+TEST_F(XmlIndexTest, ANodeThatLostItsNameIsNotFound) {
+    load("<a><b n='1'/><b n='1'/></a>");
+    const auto found = [this](const char *expression) {
+        path_selection selected;
+        EXPECT_TRUE(jxml_index_select(&holder->index, holder->doc, expression, &selected));
+        return selected.count;
+    };
+    xmlNodePtr first = xmlDocGetRootElement(holder->doc)->children;
+    const xmlChar *name = std::exchange(first->name, nullptr);
+    EXPECT_EQ(found("/a/b"), 1);
+    first->name = name;
+    const xmlChar *attribute = std::exchange(first->properties->name, nullptr);
+    EXPECT_EQ(found("/a/b[@n=1]"), 1);
+    first->properties->name = attribute;
+}
+
 TEST_F(XmlIndexTest, TheRootMayBeNumbered) {
     load("<a n='5'><b/></a>");
     EXPECT_EQ(agreed("a attr n 5"), 1);
@@ -265,6 +305,21 @@ TEST_F(XmlIndexTest, DeletedElementsAreForgotten) {
     EXPECT_EQ(agreed("a g b attr n 2"), 1);
     remove("a");
     EXPECT_EQ(agreed("a g b attr n 2"), 0);
+}
+
+TEST_F(XmlIndexTest, ElementsBehindADeletedOneAreForgotten) {
+    load("<a><b n='1'><c/><c/></b><b n='1'><c/></b><b n='2'/><b n='3'/></a>");
+    EXPECT_EQ(agreed("a b attr n 1 c"), 3);
+    remove("a b attr n 1");
+    EXPECT_EQ(agreed("a b attr n 1 c"), 1);
+}
+
+TEST_F(XmlIndexTest, DeletionsBeforeElementsOfANumberLeaveThemAll) {
+    load("<a><b n='1'/><b n='2'/><b n='2'/><b n='3'/><b n='3'/><b n='3'/></a>");
+    EXPECT_EQ(agreed("a b attr n 2"), 2);
+    for (const char *path : {"a b attr n 3", "a b attr n 3", "a b attr n 3", "a b attr n 1"})
+        remove(path);
+    EXPECT_EQ(agreed("a b attr n 2"), 2);
 }
 
 TEST_F(XmlIndexTest, ReplacedContentIsForgotten) {
