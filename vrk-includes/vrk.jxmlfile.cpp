@@ -334,25 +334,29 @@ static int take_piece(void *rest, char *buffer, int size) {
     return static_cast<int>(taken);
 }
 
-// When memory runs out libxml2 leaves the name of an encoder away, without which it never releases it.
-static void name_encoder(const xmlParserCtxt *parser, xml_text name) {
-    const xmlParserInputBuffer *buffer = parser->input ? parser->input->buf : nullptr;
-    if (buffer && buffer->encoder && !buffer->encoder->name)
-        buffer->encoder->name = reinterpret_cast<char *>(name.release());
+// Has a parser in which memory ran out while it had so many inputs let itself be freed: libxml2 2.9.14 frees an input
+// that it opens after that, and keeps it; and it leaves the name of an encoder away, without which it never releases
+// it.
+static void mend_parser(xmlParserCtxt *parser, int inputs, xml_text encoder_name) {
+    parser->inputNr = std::min(parser->inputNr, inputs);
+    const xmlParserInputBuffer *document = parser->inputNr > 0 ? parser->inputTab[0]->buf : nullptr;
+    if (document && document->encoder && !document->encoder->name)
+        document->encoder->name = reinterpret_cast<char *>(encoder_name.release());
 }
 
 // The document of a text; null when it does not parse. `url` is where the text comes from, or null.
 static xml_doc parsed(const t_jxmlfile *holder, std::string_view text, const char *name, const char *url) {
-    const quiet_libxml quiet;
+    quiet_libxml quiet;
     const xml_parser parser(xmlNewParserCtxt());
     xml_text encoder_name(xmlStrdup(as_xml("of the document"))); // while there is memory
     if (!parser || !encoder_name)
         return nullptr;
+    quiet.watch(parser.get());
     xmlDictSetLimit(parser->dict, JXML_NAME_BYTES); // its table does not grow with it, so that it gets slow
     xml_doc document(xmlCtxtReadIO(parser.get(), take_piece, nullptr, &text, url, nullptr, PARSE_OPTIONS));
     if (quiet.out_of_memory()) // something of it may be missing
         document.reset();
-    name_encoder(parser.get(), std::move(encoder_name));
+    mend_parser(parser.get(), quiet.inputs_left(), std::move(encoder_name));
     xmlDictSetLimit(parser->dict, 0); // the document goes on with it
     if (!document && xmlDictGetUsage(parser->dict) > JXML_NAME_BYTES / 2)
         object_error(holder->owner, "names in %s take more than %ld bytes", name, static_cast<long>(JXML_NAME_BYTES));

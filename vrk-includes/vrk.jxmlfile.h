@@ -113,8 +113,8 @@ long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
 // document's root element: a second root is never made.
 long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *io, char verbose);
 
-// The text of an element as jxmlfile_get gives it, where it stands: the document's, until that is changed. Null when the
-// element holds anything but one text without blanks around it.
+// The text of an element as jxmlfile_get gives it, where it stands: the document's, until that is changed. Null when
+// the element holds anything but one text without blanks around it.
 const char *jxmlfile_plain_text(const xmlNode *element);
 
 // The content of the element at the path, into the array *result of *count atoms; *count becomes what was written.

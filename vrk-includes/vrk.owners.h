@@ -1,6 +1,8 @@
 // Owners: what a scope holds is released exactly once, when the scope ends.
 #pragma once
 
+#include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <memory>
 
@@ -66,13 +68,25 @@ class quiet_libxml {
     // libxml2 may have gone on with a part missing.
     bool out_of_memory() const { return memory_ran_out; }
 
+    // How many inputs the parser that is watched had when memory ran out in it; any number, when it has not.
+    void watch(const xmlParserCtxt *parser) { watched = parser; }
+    int inputs_left() const { return inputs; }
+
   private:
     static void ignore_text(void *, const char *, ...) {}
     template <typename Error> static void note_record(void *self, Error *error) { // const or not, by the version
-        static_cast<quiet_libxml *>(self)->memory_ran_out |= error->code == XML_ERR_NO_MEMORY;
+        if (error->code == XML_ERR_NO_MEMORY)
+            static_cast<quiet_libxml *>(self)->note_shortage(error->ctxt);
+    }
+    void note_shortage(const void *context) {
+        memory_ran_out = true;
+        if (watched && context == watched)
+            inputs = std::min(inputs, watched->inputNr);
     }
 
     bool memory_ran_out = false;
+    const xmlParserCtxt *watched = nullptr;
+    int inputs = INT_MAX;
     xmlGenericErrorFunc generic = xmlGenericError;
     void *generic_context = xmlGenericErrorContext;
     xmlStructuredErrorFunc structured = xmlStructuredError;
