@@ -89,35 +89,22 @@ static bool find_encoder(const xmlDoc *doc, xmlCharEncodingHandlerPtr *encoder) 
     return *encoder;
 }
 
-// A document on its way to a file.
-struct document_output {
-    std::FILE *file;
-    xmlOutputBufferPtr buffer;
-};
-
-// Of a buffer that has run out of memory libxml2 knows how many bytes it had, and no bytes.
-static int write_bytes(void *output, const char *bytes, int count) {
-    std::FILE *file = static_cast<document_output *>(output)->file;
+// A buffer that has run out of memory has no bytes; libxml2 would count what it has lost as written.
+static int write_bytes(void *file, const char *bytes, int count) {
     const size_t size = (size_t)count;
-    return bytes && std::fwrite(bytes, 1, size, file) == size ? count : -1;
-}
-
-// libxml2 counts what a buffer has lost for want of memory as written; such a buffer has no content.
-static int check_buffer(void *output) {
-    return xmlBufContent(static_cast<document_output *>(output)->buffer->buffer) ? 0 : -1;
+    return bytes && std::fwrite(bytes, 1, size, (std::FILE *)file) == size ? count : -1;
 }
 
 // The number of bytes that a document takes in an open file, which is closed; -1 when not all of them were written.
 static int write_document(std::FILE *file, void *document) {
-    xmlDocPtr doc = static_cast<xmlDocPtr>(document);
+    xmlDocPtr doc = (xmlDocPtr)document;
     std::setvbuf(file, nullptr, _IOFBF, WRITE_SIZE);
-    document_output output = {file, nullptr};
     xmlCharEncodingHandlerPtr encoder = nullptr;
-    if (find_encoder(doc, &encoder))
-        output.buffer = xmlOutputBufferCreateIO(write_bytes, check_buffer, &output, encoder);
-    if (!output.buffer && encoder)
+    xmlOutputBufferPtr output =
+        find_encoder(doc, &encoder) ? xmlOutputBufferCreateIO(write_bytes, nullptr, file, encoder) : nullptr;
+    if (!output && encoder)
         xmlCharEncCloseFunc(encoder);
-    const int size = output.buffer ? xmlSaveFileTo(output.buffer, doc, (const char *)doc->encoding) : -1;
+    const int size = output ? xmlSaveFileTo(output, doc, (const char *)doc->encoding) : -1;
     return std::fclose(file) == 0 ? size : -1;
 }
 
