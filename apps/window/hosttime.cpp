@@ -25,12 +25,16 @@ HostTime::HostTime() {
     since_.start();
 }
 
-void HostTime::run() {
+bool HostTime::run() {
     if (stops_ > 0)
-        return;
-    drain_queue();
+        return true;
+    const bool is_drained = drain_queue_for(longest_run);
     run_clocks();
     arrange_next();
+    if (is_drained || stops_ > 0)
+        return true;
+    timer_.start(0); // after what a person does in the meantime
+    return false;
 }
 
 void HostTime::stop() {
@@ -50,7 +54,7 @@ void HostTime::run_clocks() {
     since_.restart();
     const double until = clock_time() + std::min(passed, most_made_up);
     while (stops_ == 0 && since_.elapsed() < longest_run && run_next_clock(until))
-        drain_queue();
+        drain_queue_for(longest_run);
 }
 
 void HostTime::arrange_next() {

@@ -1,4 +1,5 @@
-// The host's time in Qt's event loop: its queue is drained, and its clocks run as time passes.
+// The host's time in Qt's event loop: its queue is drained, piece by piece when that takes long, and its clocks run as
+// time passes.
 #pragma once
 
 #include <QElapsedTimer>
@@ -11,8 +12,8 @@ class HostTime : public QObject {
   public:
     HostTime();
 
-    // Drains the queue and runs what is due, unless it is stopped.
-    void run();
+    // Runs what is queued and what is due, unless it is stopped. False when that takes too long and goes on by itself.
+    bool run();
 
     // Stops and goes on, counted: while a dialog that a box has opened waits for its answer, and while a script has
     // the time. The time in between is not made up for.

@@ -81,6 +81,7 @@ QWidget *front_window() {
 }
 
 int take_picture(Session &session, const Options &options) {
+    maxhost::drain_queue();
     session.time().run();
     session.bridge().deliver();
     QWidget *window = front_window();

@@ -1,6 +1,7 @@
 // The low-priority queue.
 #include "kernel/queue.h"
 
+#include <chrono>
 #include <deque>
 #include <list>
 #include <memory>
@@ -132,6 +133,19 @@ void drain_queue() {
         tasks += count;
     }
     console_error(nullptr, "the queue does not become empty: something queues itself for ever");
+}
+
+bool drain_queue_for(double milliseconds) {
+    using clock = std::chrono::steady_clock;
+    const auto end = clock::now() + std::chrono::duration<double, std::milli>(milliseconds);
+    Entry entry;
+    while (take(entry)) {
+        run(entry);
+        if (clock::now() >= end)
+            break;
+    }
+    std::lock_guard lock(queue().mutex);
+    return queue().entries.empty();
 }
 
 bool run_queue_once() { return run_round() > 0; }

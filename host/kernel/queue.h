@@ -10,6 +10,9 @@ namespace maxhost {
 // itself for ever, the console says so and the rest stays queued. Main thread.
 MAXHOST_EMBED void drain_queue();
 
+// The same for so many milliseconds, or for one task that takes longer; false when something is left. Main thread.
+MAXHOST_EMBED bool drain_queue_for(double milliseconds);
+
 // Runs what is queued now and leaves what that queues; false when nothing was queued. Main thread.
 MAXHOST_EMBED bool run_queue_once();
 

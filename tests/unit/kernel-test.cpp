@@ -227,6 +227,17 @@ TEST_F(KernelTest, TheQueueKeepsOrderAndCopiesAtoms) {
     EXPECT_EQ(take_lines(), (Lines{"a:0 later 1 one", "a:0 later 2 two"}));
 }
 
+TEST_F(KernelTest, TheQueueCanBeDrainedPieceByPiece) {
+    Probe *a = make("a");
+    send(a, "later 1");
+    send(a, "later 2");
+    EXPECT_FALSE(drain_queue_for(0)) << "no time, one task";
+    EXPECT_EQ(take_lines(), (Lines{"a:0 later 1"}));
+    EXPECT_TRUE(drain_queue_for(0));
+    EXPECT_EQ(take_lines(), (Lines{"a:0 later 2"}));
+    EXPECT_TRUE(drain_queue_for(0)) << "nothing to do";
+}
+
 TEST_F(KernelTest, WhatIsQueuedForABoxGoesWithIt) {
     Probe *a = make("a");
     send(a, "later 1");

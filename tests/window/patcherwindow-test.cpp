@@ -32,6 +32,8 @@ class PatcherWindowTest : public WindowTest {
     void closing_asks_when_changed_data();
     void closing_asks_when_changed();
     void saving_writes_the_file();
+    void saving_writes_what_is_on_its_way();
+    void work_without_end_leaves_time_for_a_person();
     void saving_as_takes_the_new_name();
     void reverting_reads_the_file_again();
     void file_that_is_not_there_is_told();
@@ -88,6 +90,32 @@ void PatcherWindowTest::closing_asks_when_changed() {
     QVERIFY(was_asked);
     QTEST(session().documents().empty(), "is_closed");
     QTEST(read_text(path_of("test.maxpat")).contains("kept item"), "is_saved");
+}
+
+void PatcherWindowTest::saving_writes_what_is_on_its_way() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    for (const TypedMessage &typed : parse_messages("append \"an item\", append another"))
+        send_message(box("list"), typed.atoms);
+    action(window, "Save")->trigger();
+    QVERIFY(read_text(path_of("test.maxpat")).contains("another"));
+}
+
+void PatcherWindowTest::work_without_end_leaves_time_for_a_person() {
+    struct Endless {
+        void *element = nullptr;
+        long runs = 0;
+        static void run(Endless *work) {
+            ++work->runs;
+            qelem_set(work->element);
+        }
+    } work;
+    work.element = qelem_new(&work, reinterpret_cast<method>(Endless::run));
+    open_boxes(embedding_list);
+    qelem_set(work.element);
+    QVERIFY(!session().time().run());
+    const long before = work.runs;
+    QTRY_VERIFY(work.runs > before); // events come in between, as this one does
+    qelem_free(work.element);
 }
 
 void PatcherWindowTest::saving_writes_the_file() {

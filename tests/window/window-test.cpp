@@ -94,7 +94,8 @@ void WindowTest::send(const char *name, const QString &message) {
 
 void WindowTest::settle() {
     session_->bridge().deliver();
-    session_->time().run();
+    while (!session_->time().run()) {
+    }
     session_->bridge().deliver();
     QCoreApplication::sendPostedEvents();
 }
