@@ -172,12 +172,18 @@ bool to_atom(const Json &value, t_atom &atom) {
     return true;
 }
 
+// JSON has no infinite number: the farthest there is. What is no number is 0.
+double finite(double number) {
+    constexpr double farthest = std::numeric_limits<double>::max();
+    return std::isnan(number) ? 0.0 : std::clamp(number, -farthest, farthest);
+}
+
 Json value_of(const t_atom &atom) {
     switch (atom_gettype(&atom)) {
     case A_LONG:
         return atom_getlong(&atom);
     case A_FLOAT:
-        return atom_getfloat(&atom);
+        return finite(atom_getfloat(&atom));
     case A_SYM:
         return atom_getsym(&atom)->s_name;
     default:

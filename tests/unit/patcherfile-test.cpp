@@ -1,4 +1,6 @@
 // Patcher files in JSON: opening, saving, and what is wrong in them.
+#include <cfloat>
+#include <cmath>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -230,6 +232,16 @@ TEST_F(PatcherFileTest, TellsOfTextsThatAreNotUtf8) {
     take_lines();
     EXPECT_EQ(saved_member("obj-1", "words"), "\xEF\xBF\xBD");
     EXPECT_EQ(take_lines(), Lines{"warn: -: what is not UTF-8 is saved with replacement characters"});
+}
+
+TEST_F(PatcherFileTest, NumbersThatJsonCannotHoldComeAsClose) {
+    t_object *keeper = box("a", "keeper @keep 1");
+    std::vector<t_atom> message = parse_atoms("words 0. 0. 0.");
+    atom_setfloat(&message[1], HUGE_VAL);
+    atom_setfloat(&message[2], -HUGE_VAL);
+    atom_setfloat(&message[3], NAN);
+    send_message(keeper, message);
+    EXPECT_EQ(saved_member("obj-1", "words"), Json({DBL_MAX, -DBL_MAX, 0.0}));
 }
 
 // ---- writing the file
