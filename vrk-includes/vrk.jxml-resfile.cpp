@@ -195,7 +195,10 @@ long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol
     append(end, symbols().number);
     append(end, item);
     const long path_count = end - path.data();
-    const short room = count ? *count : 0;
+    short none = 0;
+    if (!count)
+        count = &none;
+    const short room = *count;
     if (jxmlfile_get(holder, path_count, path.data(), value_kind, count, result, verbose) != 0) {
         object_error(holder->owner, "cannot get menu-item %ld of %s %ld", item, holder->xmlpath[1]->s_name, menu);
         return -1;
