@@ -34,3 +34,4 @@ class HostTest : public testing::Test {
 };
 
 using Lines = std::vector<std::string>;
+inline const Lines no_lines;

@@ -79,8 +79,6 @@ class JlistFilesTest : public ListTest {
     Lines asked; // by save dialogs: prompt and proposal
 };
 
-const Lines no_lines;
-
 bool has_error(const Lines &lines) {
     return std::any_of(lines.begin(), lines.end(), [](auto &line) { return line.starts_with("error: "); });
 }

@@ -60,8 +60,6 @@ method method_of(const t_object *object, const char *name) {
     return nullptr;
 }
 
-const Lines no_lines;
-
 class TessarollTest : public HostTest {
   protected:
     void SetUp() override {
