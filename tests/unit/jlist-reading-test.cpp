@@ -1,86 +1,18 @@
-// Reading the rows of a list from resource files, and writing them.
+// Reading the rows of a list from resource files.
 #include <filesystem>
 
 #include "support/failing-allocations.h"
-#include "support/list-test.h"
+#include "support/jlist-files-test.h"
 
 using namespace maxhost;
 
 namespace {
 
-class JlistFilesTest : public ListTest {
-  protected:
-    void SetUp() override {
-        ListTest::SetUp();
-        use_holder("string");
-    }
-    void TearDown() override {
-        jxmlfile_free(holder);
-        ListTest::TearDown();
-    }
-
-    // A fresh holder, through which resources of this type are read.
-    void use_holder(const char *type) {
-        jxmlfile_free(holder);
-        holder = jxmlfile_new(owner);
-        holder->xmlpath[1] = gensym(type);
-    }
-
-    short load(const std::string &name) { return jlist_load_from_xml(list, holder, gensym(name.c_str())); }
-
-    // Loads a file of this content.
-    short load_content(const std::string &content) {
-        write_file("content.xml", content);
-        use_holder(holder->xmlpath[1]->s_name);
-        return load("content.xml");
-    }
-
-    // Loads a file with these elements where resources stand.
-    short load_resources(const std::string &elements) { return load_content(file_of(elements)); }
-
-    // The whole of a file as the list writes it.
-    static std::string file_of(const std::string &elements) {
-        return "<?xml version=\"1.0\"?>\n<resourcefile><resource>" + elements + "</resource></resourcefile>\n";
-    }
-    static std::string numbered_elements(long count) {
-        std::string elements;
-        for (long i = 0; i < count; ++i)
-            elements += "<string number=\"" + std::to_string(i) + "\">" + std::to_string(i) + "</string>";
-        return elements;
-    }
-
-    // Writes to the file that the arguments name, and otherwise to the one that a person chooses.
-    void write(const std::string &arguments) {
-        std::vector<t_atom> atoms = parse_atoms(arguments);
-        jlist_write(list, gensym("write"), static_cast<short>(atoms.size()), atoms.data());
-    }
-    std::string written(const std::string &name) {
-        write(name);
-        return read_file(name);
-    }
-    void answer_save_dialog(const std::string &answer) {
-        FrontEnd front = front_end();
-        front.save_dialog = [this, answer](const std::string &prompt, const std::string &proposal) {
-            asked.push_back(prompt + " " + proposal);
-            return answer;
-        };
-        start_host(front);
-    }
-
-    // A list that has lost its rows because the reading gave up: it counts three and has none.
-    void give_up() {
-        EXPECT_EQ(load_resources("<string number=\"0\">a</string><string number=\"1\">b</string>"
-                                 "<string number=\"3\">d</string>"),
-                  0);
-        take_lines();
-    }
-
-    t_jxmlfile *holder = nullptr;
-    Lines asked; // by save dialogs: prompt and proposal
-};
-
-bool has_error(const Lines &lines) {
-    return std::any_of(lines.begin(), lines.end(), [](auto &line) { return line.starts_with("error: "); });
+std::string numbered_elements(long count) {
+    std::string elements;
+    for (long i = 0; i < count; ++i)
+        elements += "<string number=\"" + std::to_string(i) + "\">" + std::to_string(i) + "</string>";
+    return elements;
 }
 
 std::string hexadecimal(const std::string &bytes) {
@@ -340,16 +272,6 @@ TEST_F(JlistFilesTest, AListThatGaveUpCanBeClearedLoadedAndFreed) {
     give_up(); // freed at the end
 }
 
-TEST_F(JlistFilesTest, AListThatGaveUpIsNotWritten) {
-    give_up();
-    answer_save_dialog("new.xml");
-    write("named.xml");
-    write("");
-    EXPECT_FALSE(std::filesystem::exists("named.xml"));
-    EXPECT_EQ(std::filesystem::file_size("new.xml"), 0u);
-    EXPECT_EQ(take_lines(), no_lines);
-}
-
 // ---- a file without resources
 
 TEST_F(JlistFilesTest, NoResourcesMakeAListWithDataAndWithoutRows) {
@@ -368,169 +290,6 @@ TEST_F(JlistFilesTest, NoResourcesMakeAListWithDataAndWithoutRows) {
         EXPECT_EQ(rows(), "current 1, selected 1 of 0") << content;
         EXPECT_EQ(view().rows, 0) << content;
     }
-}
-
-TEST_F(JlistFilesTest, AListWithoutRowsIsWrittenAsAFileWithoutResources) {
-    load_resources("");
-    EXPECT_EQ(written("none.xml"), "<?xml version=\"1.0\"?>\n<resourcefile><resource/></resourcefile>\n");
-    use_holder("string");
-    EXPECT_EQ(load("none.xml"), 1);
-    EXPECT_EQ(rows(), "current 1, selected 1 of 0");
-}
-
-// ---- writing texts
-
-TEST_F(JlistFilesTest, EveryRowBecomesANumberedResource) {
-    fill({"First line", "second", ""});
-    trace_calls(trace_view);
-    EXPECT_EQ(written("out.xml"), file_of("<string number=\"0\">First line</string><string number=\"1\">second</string>"
-                                          "<string number=\"2\"/>"));
-    EXPECT_EQ(take_lines(), no_lines) << "the view is not touched";
-    EXPECT_EQ(rows(), "current 3, selected 3 of 3");
-}
-
-TEST_F(JlistFilesTest, WhatIsWrittenIsReadAgain) {
-    const Lines all = {"<b> & \"c\"",
-                       "12",
-                       "-1.5",
-                       "&amp;",
-                       "]]>",
-                       "two\nlines, one\ttab",
-                       "a\rb",
-                       "caf\xC3\xA9s",
-                       "%41 #1 $2; 3",
-                       std::string(10000, 'x'),
-                       "",
-                       "a",
-                       "a"};
-    fill(all);
-    write("out.xml");
-    fill({});
-    EXPECT_EQ(load("out.xml"), 1);
-    EXPECT_EQ(texts(), all);
-    EXPECT_EQ(take_lines(), no_lines);
-}
-
-TEST_F(JlistFilesTest, ATextThatXmlCannotHoldIsToldAndLeavesItsPlaceEmpty) {
-    fill({"a", "bell\x07", "broken \xC3", "d"});
-    EXPECT_EQ(written("out.xml"), file_of("<string number=\"0\">a</string><string number=\"1\"/>"
-                                          "<string number=\"2\"/><string number=\"3\">d</string>"));
-    EXPECT_EQ(take_lines(), (Lines{"error: owner: text cannot be held by xml (byte 5)",
-                                   "error: owner: cannot set resource string number 1",
-                                   "error: owner: text cannot be held by xml (byte 8)",
-                                   "error: owner: cannot set resource string number 2"}));
-    EXPECT_EQ(texts().at(1), "bell\x07") << "the list itself keeps it";
-    EXPECT_EQ(load("out.xml"), 1);
-    EXPECT_EQ(texts(), (Lines{"a", "", "", "d"}));
-}
-
-// ---- the file that is written
-
-TEST_F(JlistFilesTest, AnExistingFileIsReplacedAsAWhole) {
-    write_file("out.xml", std::string(5000, 'x'));
-    fill({"a"});
-    EXPECT_EQ(written("out.xml"), file_of("<string number=\"0\">a</string>"));
-}
-
-TEST_F(JlistFilesTest, ANamedFileIsWrittenWithoutADialog) {
-    std::filesystem::create_directory("sub");
-    fill({"a"});
-    answer_save_dialog("chosen.xml");
-    EXPECT_EQ(written("sub/%41 b.xml"), ""); // two names: the second is not looked at
-    EXPECT_EQ(read_file("sub/%41"), file_of("<string number=\"0\">a</string>"));
-    EXPECT_EQ(written("\"" + folder() + "/full path.xml\""), "");
-    EXPECT_EQ(read_file("full path.xml"), file_of("<string number=\"0\">a</string>"));
-    EXPECT_EQ(asked, no_lines);
-    EXPECT_EQ(take_lines(), no_lines);
-}
-
-TEST_F(JlistFilesTest, TheDialogProposesTheNameOfTheColumn) {
-    fill({"a"});
-    answer_save_dialog("chosen.xml");
-    write("");
-    EXPECT_EQ(read_file("chosen.xml"), file_of("<string number=\"0\">a</string>"));
-    write("5 six");
-    EXPECT_EQ(asked, (Lines{"Save as: vrk.tessaroll", "Save as: vrk.tessaroll"})) << "a number is no name";
-    use_images();
-    append_item(nullptr);
-    write("");
-    EXPECT_EQ(asked.back(), "Save as: pictures");
-}
-
-TEST_F(JlistFilesTest, ACancelledDialogWritesNothing) {
-    fill({"a"});
-    answer_save_dialog("");
-    write("");
-    EXPECT_EQ(asked.size(), 1u);
-    EXPECT_TRUE(std::filesystem::is_empty(folder()));
-    EXPECT_EQ(take_lines(), no_lines);
-    EXPECT_EQ(texts(), (Lines{"a"}));
-}
-
-TEST_F(JlistFilesTest, AFileOfThatNameInAnotherFolderIsNotTouched) {
-    std::filesystem::create_directory("library");
-    std::filesystem::create_directory("chosen");
-    write_file("library/out.xml", "not to be touched");
-    set_search_folders({"library"});
-    fill({"a"});
-    answer_save_dialog(folder() + "/chosen/out.xml");
-    write("");
-    EXPECT_EQ(read_file("chosen/out.xml"), file_of("<string number=\"0\">a</string>"));
-    fill({"b"});
-    write("");
-    EXPECT_EQ(read_file("chosen/out.xml"), file_of("<string number=\"0\">b</string>")) << "now that both are there";
-    EXPECT_EQ(read_file("library/out.xml"), "not to be touched");
-}
-
-TEST_F(JlistFilesTest, OfAClearedListOnlyANewFileIsMade) {
-    answer_save_dialog("new.xml");
-    write("");
-    EXPECT_EQ(std::filesystem::file_size("new.xml"), 0u);
-    write_file("old.xml", "old");
-    answer_save_dialog("old.xml");
-    write("");
-    EXPECT_EQ(read_file("old.xml"), "old");
-    write("named.xml");
-    EXPECT_FALSE(std::filesystem::exists("named.xml"));
-    write("old.xml");
-    EXPECT_EQ(read_file("old.xml"), "old");
-    EXPECT_EQ(take_lines(), no_lines);
-}
-
-TEST_F(JlistFilesTest, OfAClearedListANewFileIsMadeBesideOneInAnotherFolder) {
-    std::filesystem::create_directory("library");
-    write_file("library/out.xml", "not to be touched");
-    set_search_folders({"library"});
-    answer_save_dialog("out.xml");
-    write("");
-    EXPECT_EQ(std::filesystem::file_size("out.xml"), 0u);
-    EXPECT_EQ(read_file("library/out.xml"), "not to be touched");
-}
-
-TEST_F(JlistFilesTest, AFileThatCannotBeWrittenEndsItSilently) {
-    fill({"a"});
-    std::filesystem::create_directory("folder.xml");
-    write("missing/out.xml");
-    write("folder.xml");
-    write("\"\"");
-    answer_save_dialog("missing/out.xml");
-    write("");
-    answer_save_dialog("folder.xml");
-    write("");
-    EXPECT_EQ(take_lines(), no_lines);
-    EXPECT_TRUE(std::filesystem::is_directory("folder.xml"));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
-}
-
-TEST_F(JlistFilesTest, ANameThatIsTooLongIsTold) {
-    fill({"a"});
-    const std::string name(2048, 'x');
-    write(name);
-    EXPECT_EQ(take_lines(), (Lines{"error: owner: path " + name + " too long"}));
-    write(std::string(2047, 'x')); // fits, but no file can have it
-    answer_save_dialog(std::string(5000, 'x'));
-    write("");
-    EXPECT_TRUE(std::filesystem::is_empty(folder()));
 }
 
 // ---- images
@@ -575,26 +334,6 @@ TEST_F(JlistFilesTest, ImagesThatWereReadAreDestroyedWhenTheReadingGivesUp) {
               (Lines{"warn: owner: no node at given path", "error: owner: cannot find image resource 2"}));
 }
 
-TEST_F(JlistFilesTest, ImagesAreWrittenAndReadBack) {
-    use_images();
-    append_item(image_from("two-by-one.png"));
-    append_item(nullptr);
-    append_item(image_from("forty-by-twenty.png"));
-    const std::string file = written("images.xml");
-    EXPECT_TRUE(file.starts_with(
-        "<?xml version=\"1.0\"?>\n<resourcefile><resource><image number=\"0\"><![CDATA[89504E470D0A1A0A"))
-        << file;
-    EXPECT_NE(file.find("]]></image><image number=\"1\"/><image number=\"2\"><![CDATA[89504E47"), file.npos) << file;
-
-    use_holder("image");
-    EXPECT_EQ(load("images.xml"), 1);
-    EXPECT_EQ(painted(1).at(0).rect.width, 2);
-    EXPECT_EQ(jlist_getdata(list, 2), nullptr);
-    EXPECT_EQ(painted(3).at(0).rect.height, 20);
-    EXPECT_EQ(written("again.xml"), file) << "nothing is lost on the way";
-    EXPECT_EQ(take_lines(), no_lines);
-}
-
 // ---- when memory runs out
 
 TEST_F(JlistFilesTest, AReadOfTextsWithoutMemoryIsToldAndLeavesTheListEmpty) {
@@ -624,35 +363,5 @@ TEST_F(JlistFilesTest, AReadOfImagesWithoutMemoryLeavesNoImageBehind) {
                                      EXPECT_EQ(has_error(take_lines()), failed);
                                      EXPECT_EQ(items().size(), failed ? 0u : 2u);
                                      EXPECT_EQ(memory_in_use().objects - objects, failed ? 0u : 2u);
-                                 });
-}
-
-TEST_F(JlistFilesTest, AWriteOfTextsWithoutMemoryIsToldAndLeavesTheFileAlone) {
-    fill({"a", "b"});
-    with_each_allocation_failing(
-        [&] {
-            write_file("out.xml", "before");
-            write("out.xml");
-        },
-        [&](bool failed) {
-            EXPECT_EQ(has_error(take_lines()), failed);
-            EXPECT_EQ(read_file("out.xml"), failed ? "before"
-                                                   : file_of("<string number=\"0\">a</string>"
-                                                             "<string number=\"1\">b</string>"));
-            EXPECT_EQ(texts(), (Lines{"a", "b"}));
-        });
-}
-
-TEST_F(JlistFilesTest, AWriteOfImagesWithoutMemoryIsToldAndKeepsTheImages) {
-    use_images();
-    append_item(image_from("two-by-one.png"));
-    append_item(image_from("forty-by-twenty.png"));
-    const std::vector<void *> images = items();
-    const std::string whole = written("whole.xml");
-    with_each_allocation_failing([&] { write("out.xml"); },
-                                 [&](bool failed) {
-                                     EXPECT_EQ(has_error(take_lines()), failed);
-                                     EXPECT_EQ(read_file("out.xml") == whole, !failed);
-                                     EXPECT_EQ(items(), images);
                                  });
 }
