@@ -67,6 +67,13 @@ FrontEnd HostTest::front_end() {
     return front;
 }
 
+void HostTest::trace_calls(unsigned families) {
+    FrontEnd front = front_end();
+    front.traced = families;
+    start_host(front);
+    take_lines();
+}
+
 std::vector<std::string> HostTest::take_lines() {
     std::lock_guard lock(lines_mutex);
     return std::exchange(lines, {});

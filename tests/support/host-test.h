@@ -28,6 +28,9 @@ class HostTest : public testing::Test {
 
     maxhost::FrontEnd front_end(); // for tests that change a function of it
 
+    // From now on the calls of these families are written down.
+    void trace_calls(unsigned families);
+
   private:
     std::string folder_;
     std::string folder_before_;

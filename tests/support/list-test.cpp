@@ -133,10 +133,3 @@ t_jsurface *ListTest::image_from(const char *file) {
     const std::string bytes = read_file(std::string(TEST_DATA_DIR "/") + file);
     return jgraphics_image_surface_create_from_filedata(bytes.data(), bytes.size());
 }
-
-void ListTest::trace_calls(unsigned families) {
-    FrontEnd front = front_end();
-    front.traced = families;
-    start_host(front);
-    take_lines();
-}

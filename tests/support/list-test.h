@@ -39,9 +39,6 @@ class ListTest : public HostTest {
     // An image from the folder of test data.
     static t_jsurface *image_from(const char *file);
 
-    // From now on the calls of these families are written down.
-    void trace_calls(unsigned families);
-
     t_object *patcher = nullptr;
     t_object *owner = nullptr;
     t_jlist *list = nullptr;
