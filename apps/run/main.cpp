@@ -41,16 +41,10 @@ void describe(CLI::App &app, Options &options) {
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember(trace_families));
-    app.add_option("--script", options.script, "the script, - for standard input");
-    app.add_option("PATCHER", options.patcher, "a patcher file that is opened first");
-    app.footer("A script has one command a line:\n"
-               "  new NAME CLASS ATOM… @ATTR ATOM…      makes a box\n"
-               "  NAME MESSAGE, MESSAGE…                sends messages to it\n"
-               "  connect NAME OUTLET NAME [INLET]      makes a patch cord\n"
-               "  host open FILE, host save FILE        opens and saves a patcher\n"
-               "  host click NAME [ROW]                 clicks a row of a list, or the box itself\n"
-               "  host wait MILLISECONDS                lets time pass: what is due by then happens now\n"
-               "and more verbs of host. A box in a patcher in a box is named OUTER::INNER.");
+    const auto is_named = [](const std::string &name) { return name.empty() ? "a name is missing" : ""; };
+    app.add_option("--script", options.script, "the script, - for standard input")->check(is_named);
+    app.add_option("PATCHER", options.patcher, "a patcher file that is opened first")->check(is_named);
+    app.footer(Script::help());
 }
 
 int fail(const std::string &reason) {

@@ -11,6 +11,8 @@ using namespace maxhost;
 
 namespace {
 
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF"; // that an editor puts in front of a file
+
 // A line that is no command; the text says why.
 struct NoCommand : std::runtime_error {
     using std::runtime_error::runtime_error;
@@ -79,16 +81,49 @@ bool is_command_word(std::string_view word) {
 
 struct Script::NamedVerb {
     const char *name;
+    const char *words;
+    const char *does;
     Verb verb;
 };
 
 const Script::NamedVerb Script::verbs_[] = {
-    {"open", &Script::open},   {"save", &Script::save},       {"wait", &Script::wait},     {"close", &Script::close},
-    {"free", &Script::free},   {"click", &Script::click},     {"key", &Script::key},       {"get", &Script::get},
-    {"set", &Script::set},     {"assist", &Script::assist},   {"paint", &Script::paint},   {"view", &Script::view},
-    {"dirty", &Script::dirty}, {"clean", &Script::clean},     {"answer", &Script::answer}, {"hold", &Script::hold},
-    {"drain", &Script::drain}, {"release", &Script::release}, {"fail", &Script::fail},     {"memory", &Script::memory},
+    {"open", "FILE", "opens a patcher, in place of the one that is open", &Script::open},
+    {"save", "FILE", "saves the patcher", &Script::save},
+    {"close", "", "closes the patcher", &Script::close},
+    {"free", "NAME", "deletes the box", &Script::free},
+    {"click", "NAME [ROW]", "clicks a row of a list, or the box itself", &Script::click},
+    {"key", "NAME KEY", "in a list: up, down, pageup, pagedown, home or end", &Script::key},
+    {"get", "NAME ATTR", "prints an attribute", &Script::get},
+    {"set", "NAME ATTR ATOM...", "sets an attribute", &Script::set},
+    {"assist", "NAME inlet|outlet K", "prints an assistance text", &Script::assist},
+    {"paint", "NAME", "prints what every row of a list is painted with", &Script::paint},
+    {"view", "NAME", "prints the state of a list's view", &Script::view},
+    {"dirty", "", "prints whether the patcher is marked changed", &Script::dirty},
+    {"clean", "", "takes that mark away", &Script::clean},
+    {"answer", "FILE|cancel", "what the next save dialog answers", &Script::answer},
+    {"wait", "MILLISECONDS", "lets time pass: what is due by then happens now", &Script::wait},
+    {"hold", "", "no longer drains the queue after every line", &Script::hold},
+    {"drain", "", "drains it now", &Script::drain},
+    {"release", "", "drains it, and again after every line", &Script::release},
+    {"fail", "N", "lets the N-th allocation of the host from now on fail", &Script::fail},
+    {"memory", "", "prints how many blocks and objects are in use", &Script::memory},
 };
+
+std::string Script::help() {
+    const auto line = [](std::string words, const char *does) {
+        words.resize(std::max<size_t>(words.size() + 1, 38), ' ');
+        return "  " + words + does + "\n";
+    };
+    std::string text = "A script has one command a line:\n" +
+                       line("new NAME CLASS ATOM... @ATTR ATOM...", "makes a box") +
+                       line("NAME MESSAGE, MESSAGE...", "sends messages to it") +
+                       line("scheduler NAME MESSAGE, MESSAGE...", "the same on the scheduler thread") +
+                       line("#X MESSAGE", "sends a message to what is bound to #X") +
+                       line("connect NAME OUTLET NAME [INLET]", "makes a patch cord");
+    for (const NamedVerb &verb : verbs_)
+        text += line("host " + std::string(verb.name) + " " + verb.words, verb.does);
+    return text + "A box in a patcher in a box is named OUTER::INNER.";
+}
 
 bool Script::run(std::istream &lines, const std::string &file, std::string &reason) {
     std::string line;
@@ -114,7 +149,7 @@ bool Script::open_file(const std::string &file, std::string &reason) {
 
 bool Script::run_line(const std::string &line, std::string &reason) {
     try {
-        carry_out(line);
+        carry_out(line.starts_with(byte_order_mark) ? line.substr(byte_order_mark.size()) : line);
         return true;
     } catch (const NoCommand &why) {
         reason = why.what();

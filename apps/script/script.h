@@ -13,6 +13,9 @@ class Script {
     // Both outlive the script.
     Script(Transcript &transcript, Stage &stage) : transcript_(transcript), stage_(stage) {}
 
+    // What a script can say, a line each.
+    static std::string help();
+
     // Carries out every line. At a line that is no command it stops and is false; `reason` says "NAME:LINE: why".
     bool run(std::istream &lines, const std::string &name, std::string &reason);
 

@@ -146,6 +146,7 @@ void describe(CLI::App &app, Options &options) {
     app.footer(about_words); // of the operations as well
     app.formatter(std::make_shared<Help>());
     app.require_subcommand(0, 1);
+    app.allow_extras(); // a word in the place of the operation is told as such
     app.add_option("FILE", options.file, "the document; it has to begin with \"<?xml\"");
     add_document_options(app, options);
     for (const Command &command : commands)
@@ -155,6 +156,13 @@ void describe(CLI::App &app, Options &options) {
 
 [[noreturn]] void refuse_option(const std::string &word) {
     throw CLI::ValidationError(word, "no such option (words that begin like one go behind \"--\")");
+}
+
+// A word that stands where the parser expects an operation.
+[[noreturn]] void refuse_operation(const std::string &word) {
+    if (word.starts_with('-'))
+        refuse_option(word);
+    throw CLI::ValidationError(word, "no such operation");
 }
 
 // The words of the operation: those among the options, where nothing may look like one, and what is behind "--".
@@ -177,7 +185,7 @@ void expect_words(const Options &options) {
         throw CLI::ExtrasError(options.words);
     if (options.operation.name == "edit" && !options.save_to.empty())
         throw CLI::ValidationError("--save-to", "not for this operation, which saves when a person says so");
-    if (options.operation.name == "new" && options.words.size() != 1)
+    if (options.operation.name == "new" && (options.words.size() != 1 || options.words.front().empty()))
         throw CLI::ValidationError("new", "takes one FILE");
 }
 
@@ -190,8 +198,11 @@ void read_arguments(CLI::App &app, Options &options, int argc, char **argv) {
     if (std::find(arguments.begin(), arguments.end(), "++") != arguments.end())
         refuse_option("++"); // to the parser it is one
     app.parse(arguments);
+    const std::vector<std::string> left = app.remaining();
     if (app.get_subcommands().empty())
-        throw CLI::RequiredError("an operation");
+        left.empty() ? throw CLI::RequiredError("an operation") : refuse_operation(left.front());
+    if (!left.empty())
+        throw CLI::ExtrasError(left);
     take_words(options, app.get_subcommands().front()->remaining(), mark == end ? end : mark + 1, end);
     expect_words(options);
 }

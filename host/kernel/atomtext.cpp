@@ -187,8 +187,10 @@ std::vector<t_atom> parse_atoms(std::string_view text) {
 }
 
 std::string print_float(double value) {
-    if (!std::isfinite(value))
-        return std::isnan(value) ? "nan" : value < 0 ? "-inf" : "inf";
+    if (std::isnan(value))
+        return "nan";
+    if (std::isinf(value)) // a number that no float holds is read as infinite
+        return value < 0 ? "-1.e999" : "1.e999";
     const double magnitude = std::abs(value);
     const bool plain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e16); // without an exponent
     char digits[64];

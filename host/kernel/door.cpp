@@ -1,9 +1,9 @@
 // The door of the API, and the front end that hears what happens there.
 #include "kernel/door.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
 
 #include "kernel/frontend.h"
 
@@ -11,23 +11,21 @@ namespace maxhost {
 namespace {
 
 // Room for the line that tells of it, taken at once: when it is needed there is none to be had.
-struct RanOutLine {
-    std::mutex mutex;
-    std::string text = std::string(250, ' ');
-};
-RanOutLine &ran_out_line = *new RanOutLine;
+std::string &ran_out_line = *new std::string(250, ' ');
+std::atomic_flag ran_out_line_in_use;
 
-// False when the front end runs out of memory as well.
+// False when the front end runs out of memory as well, or is told already.
 bool tell_the_console(const char *function) noexcept {
-    const std::unique_lock lock(ran_out_line.mutex, std::try_to_lock);
-    if (!lock)
+    if (ran_out_line_in_use.test_and_set())
         return false;
+    bool is_told = true;
     try {
-        front_end().console(ConsoleLine::error, "-", ran_out_line.text.assign(function) += ": out of memory");
-        return true;
+        front_end().console(ConsoleLine::error, "-", ran_out_line.assign(function) += ": out of memory");
     } catch (const std::bad_alloc &) {
-        return false;
+        is_told = false;
     }
+    ran_out_line_in_use.clear();
+    return is_told;
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 // vrk-run's options and exit statuses, and lines that are no command.
 #include "box/program-fixture.h"
 
+#include <fstream>
 #include <regex>
+#include <sstream>
 
 namespace {
 
@@ -28,10 +30,32 @@ TEST_F(Program, ExplainsItself) {
         EXPECT_NE(result.transcript.find(option), std::string::npos) << option;
 }
 
+// Every verb that the help names is known, and told in the page about scripts.
+TEST_F(Program, TellsOfEveryVerbOfTheHost) {
+    std::ifstream file(SCRIPTS_PAGE);
+    const std::string page{std::istreambuf_iterator<char>(file), {}};
+    std::istringstream help(run({"--help"}).transcript);
+    int verbs = 0;
+    for (std::string line; std::getline(help, line);) {
+        if (!line.starts_with("  host "))
+            continue;
+        const std::string verb = line.substr(7, line.find(' ', 7) - 7);
+        ++verbs;
+        EXPECT_NE(page.find("`host " + verb), page.npos) << verb;
+        EXPECT_EQ(run_script("host " + verb).complaints.find("host does not know"), std::string::npos) << verb;
+    }
+    EXPECT_GT(verbs, 15);
+}
+
+TEST_F(Program, TakesAByteOrderMark) {
+    EXPECT_EQ(transcript_of("\xEF\xBB\xBFnew list vrk.tessaroll\nlist length\n"), "list:1 0\n");
+}
+
 TEST_F(Program, RefusesWrongUsage) {
     for (const Options &wrong :
-         {Options{"--bogus"}, Options{"--script"}, Options{"--search"}, Options{"--plugin"}, Options{"--trace"},
-          Options{"--trace", "nonsense", "--script", "-"}, Options{"--trace", "view,nonsense", "--script", "-"}}) {
+         {Options{"--bogus"}, Options{""}, Options{"--script", ""}, Options{"--script"}, Options{"--search"},
+          Options{"--plugin"}, Options{"--trace"}, Options{"--trace", "nonsense", "--script", "-"},
+          Options{"--trace", "view,nonsense", "--script", "-"}}) {
         const ScriptResult result = run(wrong);
         EXPECT_EQ(result.status, 2) << wrong.back();
         EXPECT_NE(result.complaints, "") << wrong.back();

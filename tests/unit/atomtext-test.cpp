@@ -49,6 +49,12 @@ TEST(AtomText, ReadsFloats) {
     EXPECT_EQ(one_word("9223372036854775808"), "float 9.223372036854776e+18") << "an integer that does not fit";
 }
 
+TEST(AtomText, NumbersBeyondEveryFloatAreInfiniteAndPrintedAsSuch) {
+    EXPECT_EQ(one_word("1e999"), "float 1.e999");
+    EXPECT_EQ(one_word("-1e999"), "float -1.e999");
+    EXPECT_EQ(one_word("1.e999"), "float 1.e999");
+}
+
 TEST(AtomText, ReadsAnythingElseAsSymbols) {
     for (const char *text : {"-", "+", ".", "1.2.3", "0x10", "12a", "1e", "e5", "nan", "inf", "--1", "'a'"})
         EXPECT_EQ(one_word(text), std::string("symbol ") + text);

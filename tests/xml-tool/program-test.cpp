@@ -53,7 +53,9 @@ TEST_F(XmlProgram, WrongCommandLinesHaveAStatusOfTheirOwn) {
     write("<a/>");
     expect_wrong_usage("", "an operation is required");
     expect_wrong_usage("f.xml", "an operation is required");
-    expect_wrong_usage("f.xml frobnicate", "The following argument was not expected: frobnicate");
+    expect_wrong_usage("f.xml frobnicate", "frobnicate: no such operation");
+    expect_wrong_usage("f.xml frobnicate a b", "frobnicate: no such operation");
+    expect_wrong_usage("f.xml --frobnicate get a", "The following argument was not expected: --frobnicate");
     expect_wrong_usage("get a", "FILE: required in front of the operation");
     expect_wrong_usage("f.xml path a", "FILE: not for this operation");
     expect_wrong_usage("f.xml new g.xml", "FILE: not for this operation");
