@@ -6,11 +6,10 @@
 #include <iterator>
 #include <string_view>
 
-#include <unistd.h>
-
 #include "vrk.jxml-resfile.h"
 
 #include "vrk.pathname.h"
+#include "vrk.wholefile.h"
 
 constexpr size_t LABEL_SIZE = 1024; // a label with its command and a terminating zero
 
@@ -226,7 +225,7 @@ long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol
 // A lookup can fail for want of memory as well; a file that is there all the same must not be made anew.
 static bool can_be_made(const t_jxmlfile *holder, t_symbol *filename) {
     const t_symbol *path = vrk_path_to_OSX_path(holder->owner, filename);
-    const bool is_free = path->s_name[0] && access(path->s_name, F_OK) != 0;
+    const bool is_free = path->s_name[0] && !vrk_file_exists(path->s_name);
     if (!is_free)
         object_error(holder->owner, "can't find %s", filename->s_name);
     return is_free;

@@ -10,8 +10,6 @@
 #include <string_view>
 #include <utility>
 
-#include <sys/stat.h>
-
 #include <libxml/entities.h>
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
@@ -21,6 +19,7 @@
 #include "vrk.jxml-bounds.h"
 #include "vrk.numbers.h"
 #include "vrk.pathname.h"
+#include "vrk.wholefile.h"
 
 // Blanks between elements are dropped, and texts of a few bytes stand in their nodes: nothing here writes into the
 // content of a node, which then is no block of its own. The other options keep libxml2 quiet and off the network;
@@ -304,20 +303,6 @@ static xml_doc accepted(t_jxmlfile *holder, xml_doc document, const char *name) 
     return document;
 }
 
-// The bytes of a regular file; false when they cannot be had, or are more than libxml2 counts.
-static bool read_file(const char *path, byte_buffer *bytes) {
-    struct stat status;
-    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > INT_MAX) // a pipe would be waited for
-        return false;
-    const std::unique_ptr<std::FILE, Releaser<std::fclose>> file(std::fopen(path, "rb"));
-    const auto size = static_cast<size_t>(status.st_size);
-    char *place = file ? reserve(bytes, size) : nullptr;
-    if (!place)
-        return false;
-    bytes->length = std::fread(place, 1, size, file.get());
-    return bytes->length == size;
-}
-
 // Looks a text through before libxml2 does; false when it is not to be read, which has been reported.
 static bool is_bounded(const t_jxmlfile *holder, std::string_view *text, const char *name) {
     const jxml_refusal refusal = jxml_bounds_check(text);
@@ -513,10 +498,10 @@ void jxmlfile_doread(t_jxmlfile *holder) {
     if (!holder || !holder->file_path)
         return;
     const char *path = holder->file_path->s_name;
-    byte_buffer bytes;
-    const bool was_read = read_file(path, &bytes);
-    std::string_view text(bytes.bytes.get(), bytes.length);
-    const bool is_bounded_text = was_read && is_bounded(holder, &text, path);
+    size_t size = 0;
+    const malloc_array<char> bytes(vrk_read_file(path, &size));
+    std::string_view text(bytes.get(), bytes ? size : 0);
+    const bool is_bounded_text = bytes && is_bounded(holder, &text, path);
     xml_doc document;
     {
         const critical_section region;

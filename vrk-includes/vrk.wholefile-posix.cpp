@@ -1,6 +1,7 @@
-// Files that are replaced as a whole, on POSIX systems.
+// Files that are read or replaced as a whole, on POSIX systems.
 #include "vrk.wholefile.h"
 
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -9,6 +10,29 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+
+struct file_closer {
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+
+} // namespace
+
+bool vrk_file_exists(const char *native_path) { return access(native_path, F_OK) == 0; }
+
+char *vrk_read_file(const char *native_path, std::size_t *size) {
+    struct stat status;
+    if (stat(native_path, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > INT_MAX)
+        return nullptr;
+    *size = static_cast<std::size_t>(status.st_size);
+    const std::unique_ptr<std::FILE, file_closer> file(std::fopen(native_path, "rb"));
+    std::unique_ptr<char, void (*)(void *)> bytes(nullptr, std::free);
+    if (file)
+        bytes.reset(static_cast<char *>(std::malloc(*size + 1))); // an empty file has a block as well
+    const bool is_whole = bytes && std::fread(bytes.get(), 1, *size, file.get()) == *size;
+    return is_whole ? bytes.release() : nullptr;
+}
 
 // Where the links of a path lead; empty when that is nowhere. Any other path as it is.
 static std::string without_links(const char *path) {

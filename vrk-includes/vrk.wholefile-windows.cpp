@@ -1,6 +1,8 @@
-// Files that are replaced as a whole, on Windows.
+// Files that are read or replaced as a whole, on Windows.
 #include "vrk.wholefile.h"
 
+#include <climits>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string>
@@ -34,9 +36,47 @@ static std::wstring wide(const char *utf8) {
     return text;
 }
 
-static open_file open_to_write(const std::wstring &path, DWORD creation) {
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+static open_file open_handle(const std::wstring &path, DWORD access, DWORD sharing, DWORD creation) {
+    HANDLE file = CreateFileW(path.c_str(), access, sharing, nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
     return open_file(file == INVALID_HANDLE_VALUE ? nullptr : file);
+}
+
+static open_file open_to_read(const std::wstring &path) {
+    return open_handle(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
+}
+
+static open_file open_to_write(const std::wstring &path, DWORD creation) {
+    return open_handle(path, GENERIC_WRITE, 0, creation);
+}
+
+bool vrk_file_exists(const char *native_path) {
+    try {
+        return GetFileAttributesW(wide(native_path).c_str()) != INVALID_FILE_ATTRIBUTES;
+    } catch (const std::exception &) { // no memory for the path
+        return true;
+    }
+}
+
+static char *read_file(const char *native_path, std::size_t *size) {
+    const open_file file = open_to_read(wide(native_path)); // a folder cannot be opened
+    LARGE_INTEGER length = {};
+    if (!file || GetFileType(file.get()) != FILE_TYPE_DISK || !GetFileSizeEx(file.get(), &length) ||
+        length.QuadPart > INT_MAX)
+        return nullptr;
+    *size = static_cast<std::size_t>(length.QuadPart);
+    std::unique_ptr<char, void (*)(void *)> bytes(static_cast<char *>(std::malloc(*size + 1)), std::free);
+    DWORD taken = 0;
+    const bool is_whole =
+        bytes && ReadFile(file.get(), bytes.get(), static_cast<DWORD>(*size), &taken, nullptr) && taken == *size;
+    return is_whole ? bytes.release() : nullptr;
+}
+
+char *vrk_read_file(const char *native_path, std::size_t *size) {
+    try {
+        return read_file(native_path, size);
+    } catch (const std::exception &) { // no memory for the path
+        return nullptr;
+    }
 }
 
 // The path of an open file, with its links followed; empty when it cannot be had.

@@ -3,8 +3,11 @@
 
 #include <filesystem>
 
+#include <sys/stat.h>
+
 #include "support/failing-allocations.h"
 #include "vrk.pathname.h"
+#include "vrk.wholefile.h"
 
 using namespace maxhost;
 
@@ -82,6 +85,7 @@ class ResourceTest : public XmlTest {
 };
 
 using PathnameTest = XmlTest;
+using WholeFileTest = XmlTest;
 
 } // namespace
 
@@ -398,6 +402,15 @@ TEST_F(ResourceTest, AFileThatIsNotThereIsMade) {
     EXPECT_EQ(count_of("types"), "1");
 }
 
+TEST_F(ResourceTest, NamesOutsideOfAsciiAreMadeAndReadAgain) {
+    const std::string made = "<?xml version=\"1.0\"?>\n<resourcefile><resource/></resourcefile>\n";
+    EXPECT_EQ(jxmlresfile_read(holder, gensym("été 日本.xml")), nullptr);
+    EXPECT_EQ(read_file("été 日本.xml"), made);
+    ASSERT_NE(jxmlresfile_read(holder, gensym("été 日本.xml")), nullptr);
+    EXPECT_EQ(holder->loaded, 1);
+    EXPECT_EQ(take_lines(), Lines());
+}
+
 TEST_F(ResourceTest, AFileOfTheSearchPathIsFound) {
     std::filesystem::create_directory(path_of("searched"));
     write_file("searched/list.xml", "<?xml version=\"1.0\"?>\n<resourcefile/>");
@@ -559,4 +572,36 @@ TEST_F(PathnameTest, WhatIsNoRegularFileIsNeverWrittenTo) {
     load("<a/>");
     EXPECT_EQ(vrk_save_document(gensym("/dev/null"), holder->doc), -1);
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+// ---- whole files
+
+TEST_F(WholeFileTest, AFileIsReadWithAllItsBytes) {
+    for (const std::string &content : {std::string("text"), std::string("a\0b\r\n\x1A", 6), std::string()}) {
+        write_file("été 日本.bin", content);
+        std::size_t size = 99;
+        const malloc_array<char> bytes(vrk_read_file("été 日本.bin", &size));
+        ASSERT_NE(bytes, nullptr);
+        EXPECT_EQ(std::string(bytes.get(), size), content);
+    }
+}
+
+TEST_F(WholeFileTest, WhatIsNoRegularFileIsThereButNotRead) {
+    std::filesystem::create_directory("folder");
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    for (const char *name : {"folder", "pipe", "/dev/null"}) {
+        std::size_t size = 0;
+        EXPECT_EQ(vrk_read_file(name, &size), nullptr) << name;
+        EXPECT_TRUE(vrk_file_exists(name)) << name;
+    }
+}
+
+TEST_F(WholeFileTest, AFileIsThereUnderItsNameOnly) {
+    std::size_t size = 0;
+    write_file("été.xml", "");
+    EXPECT_TRUE(vrk_file_exists("été.xml"));
+    for (const char *name : {"ete.xml", "\xE9t\xE9.xml", "folder/été.xml", ""}) {
+        EXPECT_FALSE(vrk_file_exists(name)) << name;
+        EXPECT_EQ(vrk_read_file(name, &size), nullptr) << name;
+    }
 }
