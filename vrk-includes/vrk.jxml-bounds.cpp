@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <iterator>
+#include <limits>
 #include <new>
 #include <string>
 #include <vector>
@@ -123,15 +125,15 @@ class Scanner {
     char ahead(size_t bytes) const { return at_ + bytes < text_.size() ? text_[at_ + bytes] : '\0'; }
     bool begins(std::string_view piece) const { return text_.substr(at_).starts_with(piece); }
     bool refuse(const char *format, long limit);
-    bool count_pieces(long pieces);
-    bool count_words(long words);
-    bool compare(long comparisons);
+    bool count_pieces(std::int64_t pieces);
+    bool count_words(std::int64_t words);
+    bool compare(std::int64_t comparisons);
     bool skip_construct(std::string_view beginning, std::string_view ending);
     bool markup();
     bool processing_instruction();
     bool start_tag();
-    bool attribute(long &attributes, long &namespaces);
-    bool tag_is_whole(long attributes, long namespaces, bool is_empty);
+    bool attribute(std::int64_t &attributes, std::int64_t &namespaces);
+    bool tag_is_whole(std::int64_t attributes, std::int64_t namespaces, bool is_empty);
     bool end_tag();
     bool document_type();
     bool declarations();
@@ -141,17 +143,17 @@ class Scanner {
     std::string_view text_;
     size_t at_ = 0;
     jxml_refusal refusal_{nullptr, 0};
-    long pieces_ = 0;
-    long words_ = 0; // of the document type
-    long ids_ = 0;
-    long comparisons_ = 0;
+    std::int64_t pieces_ = 0;
+    std::int64_t words_ = 0; // of the document type
+    std::int64_t ids_ = 0;
+    std::int64_t comparisons_ = 0;
     bool declares_ids_ = false;
-    long declared_ = 0;        // attributes in the document type, or more
-    long parameter_words_ = 0; // in parameter entities
-    long parameter_references_ = 0;
-    long literal_tags_ = 0; // in entities
-    long most_in_scope_ = 0;
-    std::vector<long> in_scope_{0}; // namespaces at each depth
+    std::int64_t declared_ = 0;        // attributes in the document type, or more
+    std::int64_t parameter_words_ = 0; // in parameter entities
+    std::int64_t parameter_references_ = 0;
+    std::int64_t literal_tags_ = 0; // in entities
+    std::int64_t most_in_scope_ = 0;
+    std::vector<std::int64_t> in_scope_{0}; // namespaces at each depth
 };
 
 bool Scanner::refuse(const char *format, long limit) {
@@ -159,21 +161,21 @@ bool Scanner::refuse(const char *format, long limit) {
     return false;
 }
 
-bool Scanner::count_pieces(long pieces) {
+bool Scanner::count_pieces(std::int64_t pieces) {
     pieces_ += pieces;
     if (pieces_ > JXML_PIECE_LIMIT)
         return refuse("%s has more than %ld tags, attributes and references", JXML_PIECE_LIMIT);
     return true;
 }
 
-bool Scanner::count_words(long words) {
+bool Scanner::count_words(std::int64_t words) {
     words_ += words;
     if (words_ > JXML_WORD_LIMIT)
         return refuse("the document type of %s has more than %ld words", JXML_WORD_LIMIT);
     return true;
 }
 
-bool Scanner::compare(long comparisons) {
+bool Scanner::compare(std::int64_t comparisons) {
     comparisons_ += comparisons;
     if (comparisons_ > JXML_COMPARISON_LIMIT)
         return refuse("attributes of %s need more than %ld comparisons", JXML_COMPARISON_LIMIT);
@@ -221,7 +223,7 @@ bool Scanner::markup() {
 // ---- tags
 
 // A name, "=" and a value.
-bool Scanner::attribute(long &attributes, long &namespaces) {
+bool Scanner::attribute(std::int64_t &attributes, std::int64_t &namespaces) {
     const size_t start = at_;
     while (at_ < text_.size() && !is_blank(now()) && !is_quote(now()) &&
            std::string_view("=<>/").find(now()) == std::string_view::npos)
@@ -237,7 +239,7 @@ bool Scanner::attribute(long &attributes, long &namespaces) {
     if (!is_quote(now()))
         return false;
     const char quote = text_[at_++];
-    long references = 0;
+    std::int64_t references = 0;
     for (; now() != quote; ++at_) {
         if (at_ == text_.size() || now() == '<')
             return false;
@@ -258,7 +260,7 @@ bool Scanner::start_tag() {
     ++at_;
     while (at_ < text_.size() && !is_blank(now()) && now() != '/' && now() != '>' && now() != '<')
         ++at_;
-    long attributes = 0, namespaces = 0;
+    std::int64_t attributes = 0, namespaces = 0;
     for (;;) {
         if (is_blank(now()))
             ++at_;
@@ -269,11 +271,11 @@ bool Scanner::start_tag() {
     }
 }
 
-bool Scanner::tag_is_whole(long attributes, long namespaces, bool is_empty) {
+bool Scanner::tag_is_whole(std::int64_t attributes, std::int64_t namespaces, bool is_empty) {
     at_ += is_empty ? 2 : 1;
-    const long in_scope = in_scope_.back() + namespaces;
+    const std::int64_t in_scope = in_scope_.back() + namespaces;
     most_in_scope_ = std::max(most_in_scope_, in_scope);
-    const long compared = attributes + declared_;
+    const std::int64_t compared = attributes + declared_;
     if (!count_pieces(1) || !compare(compared * compared + in_scope * (1 + attributes)))
         return false;
     if (!is_empty)
@@ -336,8 +338,8 @@ bool Scanner::declarations() {
     if (now() != '>')
         return false;
     ++at_;
-    const long expansions = std::min(parameter_references_, JXML_WORD_LIMIT);
-    return count_words(std::min(parameter_words_, JXML_WORD_LIMIT) * expansions);
+    constexpr std::int64_t most = JXML_WORD_LIMIT;
+    return count_words(std::min(parameter_words_, most) * std::min(parameter_references_, most));
 }
 
 // From "<!" to ">": words, and texts in quotes.
@@ -378,7 +380,7 @@ bool Scanner::literal(bool of_attributes, bool of_parameter) {
         return at_ = text_.size(), false;
     const std::string_view value = text_.substr(at_ + 1, end - at_ - 1);
     at_ = end + 1;
-    long tags = 0, attributes = 0, references = 0, words = 1;
+    std::int64_t tags = 0, attributes = 0, references = 0, words = 1;
     for (size_t i = 0; i < value.size(); ++i) {
         const bool is_character = value.substr(i, 2) == "&#";
         tags += value[i] == '<' || is_character;
@@ -395,8 +397,7 @@ bool Scanner::literal(bool of_attributes, bool of_parameter) {
         attributes = 0; // they are text
     if (attributes > JXML_ATTRIBUTE_LIMIT)
         return refuse("a tag of %s has more than %ld attributes", JXML_ATTRIBUTE_LIMIT);
-    comparisons_ += attributes * attributes; // too many are found by the next tag, or at the end
-    return count_words(1) && count_pieces(tags + references + attributes);
+    return count_words(1) && count_pieces(tags + references + attributes) && compare(attributes * attributes);
 }
 
 // ---- all of it
@@ -414,6 +415,11 @@ jxml_refusal Scanner::run() {
             break;
         ++at_;
     }
+    // No product here overflows: what is beyond these has been refused.
+    constexpr std::int64_t most_declared = JXML_WORD_LIMIT;
+    constexpr std::int64_t most_in_scope = std::int64_t{depth_limit + 2} * JXML_ATTRIBUTE_LIMIT;
+    static_assert(most_declared * most_declared + most_in_scope <=
+                  std::numeric_limits<std::int64_t>::max() / JXML_PIECE_LIMIT);
     if (!refusal_.format) // entities may be referred to at any place
         compare(literal_tags_ * (declared_ * declared_ + most_in_scope_));
     return refusal_;

@@ -124,6 +124,16 @@ TEST(JxmlBounds, ComparisonsOfAttributesAndNamespaces) {
     EXPECT_EQ(verdict(defaults + repeated(1000, "<a/>") + "</r>"), many_comparisons);
 }
 
+TEST(JxmlBounds, ComparisonsWithinEntitiesAddToTheOthers) {
+    const std::string tags = repeated(950, "<a" + attributes(1000, "xmlns:p", "u") + "/>"); // two million each
+    const auto entities = [](long count) {
+        return "<!DOCTYPE a [" + repeated(count, "<!ENTITY e \"<b" + attributes(1000) + "/>\">") + "]>";
+    };
+    EXPECT_EQ(verdict(tags + entities(98)), "read");
+    EXPECT_EQ(verdict(tags + entities(100)), many_comparisons);
+    EXPECT_EQ(verdict(entities(100) + tags), many_comparisons);
+}
+
 TEST(JxmlBounds, Identifiers) {
     const std::string declared = "<!DOCTYPE r [<!ATTLIST a i ID #IMPLIED>]>", element = "<a i=''/>";
     EXPECT_EQ(verdict("<r>" + repeated(100'000, "<a xml:id=''/>") + "</r>"), "read");
