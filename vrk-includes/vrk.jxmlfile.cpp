@@ -782,6 +782,24 @@ long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
     return 0;
 }
 
+// Whether an element can be changed; says why not. XPath leads into the declarations of entities, which libxml2 writes
+// as they were read: what is changed there would be lost.
+static bool can_be_changed(const t_jxmlfile *holder, const xmlNode *element) {
+    const xmlNode *top = element->parent;
+    while (top->type == XML_ELEMENT_NODE)
+        top = top->parent;
+    if (top->type != XML_ENTITY_DECL)
+        return true;
+    object_error(holder->owner, "node at given path stands in an entity");
+    return false;
+}
+
+// jxmlfile_get_node for an element that is going to be changed.
+static long get_node_to_change(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *out, char verbose) {
+    const long failure = jxmlfile_get_node(holder, argc, argv, out, verbose);
+    return failure || can_be_changed(holder, *out) ? failure : -1;
+}
+
 long jxmlfile_count(t_jxmlfile *holder, long argc, t_atom *argv, short *count, char) {
     if (const long refusal = availability(holder))
         return refusal;
@@ -920,7 +938,7 @@ static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io
             is_element = match->type == XML_ELEMENT_NODE;
             current = is_element ? match : nullptr; // a namespace node dies with `selected`
         } else if (current) {
-            current = make_element(holder, current, step, expression);
+            current = can_be_changed(holder, current) ? make_element(holder, current, step, expression) : nullptr;
             if (!current)
                 return -1;
         } else if (!is_element) {
@@ -931,6 +949,8 @@ static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io
     } while (ending);
     if (!is_element)
         return node_warning(holder, "invalid node at given path", verbose);
+    if (current && !can_be_changed(holder, current))
+        return -1;
     *io = current;
     return 0;
 }
@@ -1297,7 +1317,7 @@ long jxmlfile_delete(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) 
     if (const long refusal = availability(holder))
         return refusal;
     xmlNodePtr element = nullptr;
-    if (const long failure = jxmlfile_get_node(holder, &argc, &argv, &element, verbose))
+    if (const long failure = get_node_to_change(holder, &argc, &argv, &element, verbose))
         return failure;
     jxml_index_removed(holder->index, element);
     discard(element);
@@ -1417,7 +1437,7 @@ long jxmlfile_setattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbose)
         return -2;
     long path_count = argc - 2;
     xmlNodePtr element = nullptr;
-    if (const long failure = jxmlfile_get_node(holder, &path_count, &argv, &element, verbose))
+    if (const long failure = get_node_to_change(holder, &path_count, &argv, &element, verbose))
         return failure;
     if (atom_gettype(argv) != A_SYM)
         return name_error(holder, argv);
@@ -1444,7 +1464,7 @@ long jxmlfile_deleteattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbo
         return -1;
     long path_count = argc - 1;
     xmlNodePtr element = nullptr;
-    if (const long failure = jxmlfile_get_node(holder, &path_count, &argv, &element, verbose))
+    if (const long failure = get_node_to_change(holder, &path_count, &argv, &element, verbose))
         return failure;
     if (atom_gettype(argv) != A_SYM)
         return -1;

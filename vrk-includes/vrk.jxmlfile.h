@@ -98,7 +98,9 @@ void jxmlfile_to_xmlXPath(long *argc, t_atom **argv, char **buffer);
 // Results: 0; -1 nothing loaded, no node, a node of the wrong kind, something that cannot be stored, or a failure of
 // libxml2; -2 a bad argument or missing data; -4 no XPath context, or no room for a result. Errors are always
 // reported; what is merely not found is reported as a warning when `verbose` is not 0. The document is changed in
-// memory only. Where a path is taken by reference it is consumed, as above.
+// memory only. Where a path is taken by reference it is consumed, as above. An element that stands in the declaration
+// of an entity (following::NAME can select it) is read, but to change it is refused with a console line and -1: the
+// declaration would be saved as it was.
 
 // What the path selects, in document order; *out owns it, and anything but a node set in it means that the expression
 // selects no nodes. Selecting nothing is a success. Nodes that *out holds may be namespace nodes, which die with it.

@@ -145,6 +145,35 @@ TEST_F(XmlHostileTest, AnExternalEntityThatIsSavedIsStillOnlyAReference) {
     EXPECT_EQ(text("a"), "text");
 }
 
+TEST_F(XmlHostileTest, WhatStandsInAnEntityIsReadButNotChanged) {
+    load("<!DOCTYPE a [<!ENTITY e '<b q=\"1\"><i>in</i></b>'>]><a><c/>&e;<b q='2'>out</b></a>");
+    const std::string before = document(), inside = "a c following::b 1";
+    for (const std::string &refused : {inside, inside + " i", std::string("a c following::i 1")}) {
+        EXPECT_EQ(set(refused + " text x"), -1) << refused;
+        EXPECT_EQ(set(refused + " made deeper text x"), -1) << refused;
+        EXPECT_EQ(set(refused + " cdata 1"), -1) << refused;
+        EXPECT_EQ(setattr(refused + " q x"), -1) << refused;
+        EXPECT_EQ(removeattr(refused + " q"), -1) << refused;
+        EXPECT_EQ(remove(refused), -1) << refused;
+        EXPECT_EQ(take_lines(), Lines(6, error("node at given path stands in an entity"))) << refused;
+    }
+    EXPECT_EQ(attribute(inside + " q"), "1");
+    EXPECT_EQ(text(inside + " i"), "in");
+    EXPECT_EQ(count(inside + " \"*\""), "1");
+    EXPECT_EQ(document(), before);
+}
+
+TEST_F(XmlHostileTest, WhatStandsBesideAnEntityIsChanged) {
+    load("<!DOCTYPE a [<!ENTITY e '<b>in</b>'>]><a><c/>&e;<b q='1'>out</b></a>");
+    const std::string beside = "a c following-sibling::b";
+    EXPECT_EQ(set(beside + " text changed"), 0);
+    EXPECT_EQ(setattr(beside + " q 2"), 0);
+    EXPECT_EQ(set(beside + " i text made"), 0);
+    ASSERT_TRUE(reload());
+    EXPECT_EQ(document().substr(document().find("<a>")), "<a><c/>&e;<b q=\"2\">changed<i>made</i></b></a>");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
 TEST_F(XmlHostileTest, ContentBehindAReferenceIsTreatedWithCare) {
     ASSERT_EQ(load("<!DOCTYPE a [<!ENTITY e '<in>x<k/></in><in/>'>]><a>&e;&e;</a>"), 1);
     EXPECT_EQ(count("a in"), "0") << "children of an entity reference are not found";
