@@ -18,7 +18,8 @@ struct path_selection {
     xmlNodePtr first;
 };
 
-// The indexes of one document, made when they are first needed. They have to go before another is asked about.
+// The indexes of one document, made when they are first needed. They belong to that document: free them
+// (jxml_index_free) before asking about another.
 struct jxml_index;
 
 // Answers a plain path; false when it is none, or memory runs out: then XPath has to be asked. `*index` is null before
