@@ -5,9 +5,15 @@
 #include <filesystem>
 #include <iostream>
 
-#include <QFileInfo>
+#include <QThread>
 
 using namespace maxhost;
+
+namespace {
+
+constexpr int outermost_loop = 1; // the application's
+
+} // namespace
 
 // ---- the stage
 
@@ -42,7 +48,7 @@ void WindowStage::close() {
 
 ScriptPlayer::ScriptPlayer(Session &session, Transcript &transcript)
     : session_(session), transcript_(transcript), stage_(session), script_(transcript, stage_) {
-    connect(&timer_, &QTimer::timeout, this, &ScriptPlayer::play_line);
+    connect(&timer_, &QTimer::timeout, this, &ScriptPlayer::play_in_turn);
 }
 
 FrontEnd ScriptPlayer::front_end(unsigned traced) {
@@ -92,9 +98,14 @@ void ScriptPlayer::play_all() {
         play_line();
 }
 
+// Not in the event loop of a question or a dialog: whoever has opened it is still there when it ends, and a line may
+// close his window.
+void ScriptPlayer::play_in_turn() {
+    if (QThread::currentThread()->loopLevel() <= outermost_loop)
+        play_line();
+}
+
 void ScriptPlayer::play_line() {
-    if (session_.dialogs().are_open())
-        return;
     std::string line, reason;
     if (!std::getline(*lines_, line))
         return end();

@@ -29,7 +29,8 @@ class WindowStage : public Stage {
     Document *document_ = nullptr; // to be compared, not touched
 };
 
-// While a script plays, time passes only as the script says, and dialogs are answered by it.
+// While a script plays, time passes only as the script says, and dialogs are answered by it. While a window asks a
+// person, it waits.
 class ScriptPlayer : public QObject {
     Q_OBJECT
 
@@ -55,6 +56,7 @@ class ScriptPlayer : public QObject {
     void ended();
 
   private:
+    void play_in_turn();
     void play_line();
     void end();
 

@@ -1,9 +1,14 @@
 // Closing a window in any state leaves nothing alive: every test here ends with the count of blocks and objects.
 #include "window-test.h"
 
+#include <cstdio>
+#include <memory>
+
+#include <QEventLoop>
 #include <QFileDialog>
 
 #include "ext_proto.h"
+#include "scriptplayer.h"
 #include "xmldocument.h"
 
 using namespace maxhost;
@@ -29,6 +34,7 @@ class ClosingTest : public WindowTest {
     void with_windows_of_inner_patchers();
     void of_one_of_two();
     void from_within_a_click();
+    void by_a_script_after_its_question();
 
   private:
     bool nothing_is_left();
@@ -158,6 +164,35 @@ void ClosingTest::from_within_a_click() {
     when_asked([&](QDialog &) { window->close(); });
     QTest::mouseClick(widget("m"), Qt::LeftButton);
     QTRY_VERIFY(nothing_is_left());
+}
+
+// The window asks a person while a script plays that closes it: the answer comes before the script's next line.
+void ClosingTest::by_a_script_after_its_question() {
+    PatcherWindow *window = open_boxes(box_json("list", "vrk.tessaroll", "20, 60, 100, 80", "\"embed\": 1"));
+    send("list", "append one");
+    QFile script(path_of("close.script"));
+    QVERIFY(script.open(QFile::WriteOnly));
+    script.write("host close\n");
+    script.close();
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> out(std::tmpfile(), std::fclose);
+    Transcript transcript(out.get());
+    ScriptPlayer player(session(), transcript);
+    bool has_waited = false;
+    when_asked([&](QDialog &dialog) {
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+        has_waited = player.is_playing();
+        press(dialog, QMessageBox::Cancel);
+    });
+    QEventLoop loop; // as the application's
+    connect(&player, &ScriptPlayer::ended, &loop, &QEventLoop::quit);
+    QTimer::singleShot(0, window, [&] {
+        player.start(script.fileName().toStdString(), session().documents().front().get());
+        window->close();
+    });
+    loop.exec();
+    QVERIFY(has_waited);
+    QVERIFY(nothing_is_left());
 }
 
 int run_closing_tests(int argc, char **argv) {
