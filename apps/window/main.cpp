@@ -93,6 +93,10 @@ int take_picture(Session &session, const Options &options) {
 }
 
 int show(Session &session, ScriptPlayer &player, const Options &options) {
+    if (!options.picture.empty())
+        session.dialogs().dismiss(); // nobody is there to answer one
+    if (!options.script.empty() && !player.load(options.script))
+        return fail(options.script + ": cannot be read");
     std::string reason;
     if (!open_all(session, options, reason))
         return fail(reason);
@@ -101,8 +105,8 @@ int show(Session &session, ScriptPlayer &player, const Options &options) {
         first = session.open_untitled();
     if (first && !options.tab.empty() && !first->windows().constFirst()->show_tab(QString::fromStdString(options.tab)))
         return fail("no tab is named \"" + options.tab + "\"");
-    if (!options.script.empty() && !player.start(options.script, first))
-        return fail(options.script + ": cannot be read");
+    if (player.is_playing())
+        player.start(first);
     if (!options.picture.empty()) {
         player.play_all();
         return player.failure().empty() ? take_picture(session, options) : fail(player.failure());

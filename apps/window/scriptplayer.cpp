@@ -77,7 +77,7 @@ FrontEnd ScriptPlayer::front_end(unsigned traced) {
     return both;
 }
 
-bool ScriptPlayer::start(const std::string &file, Document *document) {
+bool ScriptPlayer::load(const std::string &file) {
     name_ = file;
     lines_ = &std::cin;
     if (file != "-") {
@@ -86,11 +86,15 @@ bool ScriptPlayer::start(const std::string &file, Document *document) {
         if (!file_ || std::filesystem::is_directory(file))
             return false;
     }
+    is_playing_ = true;
+    session_.time().stop();
+    return true;
+}
+
+void ScriptPlayer::start(Document *document) {
     stage_.begin_with(document);
     drain_queue(); // what opening has queued comes before the first line
-    session_.time().stop();
     timer_.start(0);
-    return true;
 }
 
 void ScriptPlayer::play_all() {
@@ -98,8 +102,7 @@ void ScriptPlayer::play_all() {
         play_line();
 }
 
-// Not in the event loop of a question or a dialog: whoever has opened it is still there when it ends, and a line may
-// close his window.
+// Not in the event loop of a question or a dialog: a line may close the window that waits for its end.
 void ScriptPlayer::play_in_turn() {
     if (QThread::currentThread()->loopLevel() <= outermost_loop)
         play_line();
@@ -118,6 +121,7 @@ void ScriptPlayer::play_line() {
 
 void ScriptPlayer::end() {
     timer_.stop();
+    is_playing_ = false;
     session_.time().go_on();
     Q_EMIT ended();
 }

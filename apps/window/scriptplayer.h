@@ -41,13 +41,17 @@ class ScriptPlayer : public QObject {
     // The session's front end with what the transcript writes down.
     maxhost::FrontEnd front_end(unsigned traced);
 
-    // Begins to play; false when the file ("-": standard input) cannot be read. `document` may be null.
-    bool start(const std::string &file, Document *document);
+    // Takes a script; false when the file ("-": standard input) cannot be read. From now on it counts as playing, so
+    // that it answers the dialogs that patchers open by themselves.
+    bool load(const std::string &file);
+
+    // Begins with the first line. `document` may be null.
+    void start(Document *document);
 
     // Plays to the end, now.
     void play_all();
 
-    bool is_playing() const { return timer_.isActive(); }
+    bool is_playing() const { return is_playing_; }
 
     // Why the script has stopped at a line that is no command, "FILE:LINE: why"; empty when it has not.
     const std::string &failure() const { return failure_; }
@@ -68,5 +72,6 @@ class ScriptPlayer : public QObject {
     std::istream *lines_ = nullptr;
     std::string name_, failure_;
     long line_ = 0;
-    QTimer timer_; // runs while the script does
+    bool is_playing_ = false;
+    QTimer timer_; // has the next line played
 };

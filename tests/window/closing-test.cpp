@@ -177,6 +177,7 @@ void ClosingTest::by_a_script_after_its_question() {
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> out(std::tmpfile(), std::fclose);
     Transcript transcript(out.get());
     ScriptPlayer player(session(), transcript);
+    QVERIFY(player.load(script.fileName().toStdString()));
     bool has_waited = false;
     when_asked([&](QDialog &dialog) {
         for (int i = 0; i < 10; ++i)
@@ -187,7 +188,7 @@ void ClosingTest::by_a_script_after_its_question() {
     QEventLoop loop; // as the application's
     connect(&player, &ScriptPlayer::ended, &loop, &QEventLoop::quit);
     QTimer::singleShot(0, window, [&] {
-        player.start(script.fileName().toStdString(), session().documents().front().get());
+        player.start(session().documents().front().get());
         window->close();
     });
     loop.exec();

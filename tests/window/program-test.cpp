@@ -9,6 +9,7 @@ class ProgramTest : public QObject {
   private Q_SLOTS:
     void plays_a_script_as_vrk_run_does();
     void draws_a_picture();
+    void picture_waits_for_no_dialog();
     void tells_what_is_wrong_data();
     void tells_what_is_wrong();
     void editor_opens_from_vrk_xml();
@@ -61,6 +62,34 @@ void ProgramTest::draws_a_picture() {
     const QImage picture(folder.filePath("p.png"));
     QVERIFY(picture.width() > 200);
     QVERIFY(picture.pixelColor(picture.width() - 5, picture.height() / 2).lightness() < 80);
+}
+
+// The patcher opens a dialog as soon as it is open, and again with every bang of its metro.
+void ProgramTest::picture_waits_for_no_dialog() {
+    const QTemporaryDir folder;
+    QFile patcher(folder.filePath("dialogs.maxpat"));
+    QVERIFY(patcher.open(QFile::WriteOnly));
+    const QStringList boxes{box_json("start", "newobj", "20, 20, 60, 22", "\"text\": \"loadbang\""),
+                            box_json("metro", "newobj", "90, 20, 60, 22", "\"text\": \"metro 10\""),
+                            box_json("m", "message", "20, 50, 120, 22", "\"text\": \"append one, write\""),
+                            box_json("list", "vrk.tessaroll", "20, 80, 120, 80")};
+    const QStringList cords{cord_json("start", 0, "m", 0), cord_json("start", 0, "metro", 0),
+                            cord_json("metro", 0, "m", 0), cord_json("m", 0, "list", 0)};
+    patcher.write(("{\"patcher\": {\"fileversion\": 1, \"boxes\": [" + boxes.join(",") + "], \"lines\": [" +
+                   cords.join(",") + "]}}")
+                      .toUtf8());
+    patcher.close();
+    const QStringList picture{"--picture", folder.filePath("p.png"), patcher.fileName()};
+    QCOMPARE(run(VRK_WINDOW_PROGRAM, picture).status, 0);
+    QVERIFY(QFile::remove(folder.filePath("p.png")));
+
+    const QString script = "host wait 20\n";
+    const Ended headless = run(VRK_RUN_PROGRAM, {"--script", "-", patcher.fileName()}, script);
+    const Ended shown = run(VRK_WINDOW_PROGRAM, picture + QStringList{"--script", "-"}, script);
+    QCOMPARE(shown.status, 0);
+    QVERIFY(headless.output.contains("-> cancel"));
+    QVERIFY2(shown.output.startsWith(headless.output), qPrintable(shown.output));
+    QVERIFY(QFile::exists(folder.filePath("p.png")));
 }
 
 void ProgramTest::tells_what_is_wrong_data() {
