@@ -167,7 +167,7 @@ void ListTest::clear_and_refill_is_one_repaint() {
     send_message(box("list"), parse_atoms("clear"));
     for (int i = 0; i < 50; ++i)
         send_message(box("list"), parse_atoms("append again"));
-    session().time().run();
+    drain_queue();
     QCOMPARE(paints.count, 0);
     QTRY_COMPARE(list()->model()->rowCount(), 50);
     QTRY_VERIFY(paints.count > 0);
