@@ -83,6 +83,7 @@ QWidget *front_window() {
 int take_picture(Session &session, const Options &options) {
     maxhost::drain_queue();
     session.time().run();
+    maxhost::drain_queue(); // what clocks have queued
     session.bridge().deliver();
     QWidget *window = front_window();
     if (!window)

@@ -236,6 +236,7 @@ bool PatcherWindow::save_as() {
 void PatcherWindow::revert() {
     if (document_.file().isEmpty())
         return;
+    finish_queued();
     const QString question = tr("Go back to the file? What has changed since it was saved is lost.");
     if (document_.is_changed() &&
         QMessageBox::question(this, tr("Revert"), question, QMessageBox::Discard | QMessageBox::Cancel) !=
@@ -246,8 +247,16 @@ void PatcherWindow::revert() {
 
 void PatcherWindow::complain(const QString &text) { QMessageBox::warning(this, document_.name(), text); }
 
+// What is on its way to a box comes before a question about what has changed. While a box waits for the answer to a
+// dialog, so does what is queued behind it.
+void PatcherWindow::finish_queued() {
+    if (!session_.dialogs().are_open())
+        drain_queue();
+}
+
 // Whether the document may be closed; a person is asked when it has changed.
 bool PatcherWindow::may_close() {
+    finish_queued();
     if (!document_.is_changed())
         return true;
     const auto answer = QMessageBox::question(

@@ -54,6 +54,7 @@ class PatcherWindow : public QMainWindow {
     bool save();
     bool save_as();
     void revert();
+    void finish_queued();
     bool may_close();
     void set_zoom(double zoom);
     void open_inner(t_object *patcher);

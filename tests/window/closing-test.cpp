@@ -16,6 +16,7 @@ using namespace maxhost;
 namespace {
 
 const QString list_box = box_json("list", "vrk.tessaroll", "20, 60, 100, 80");
+const QString embedding_list = box_json("list", "vrk.tessaroll", "20, 60, 100, 80", "\"embed\": 1");
 
 } // namespace
 
@@ -28,6 +29,8 @@ class ClosingTest : public WindowTest {
     void with_an_alert_open();
     void with_an_unsaved_editor();
     void with_work_in_the_queue();
+    void after_what_is_queued();
+    void with_a_change_in_the_queue();
     void with_a_clock_running();
     void while_the_scheduler_is_busy();
     void with_a_text_half_typed();
@@ -99,6 +102,26 @@ void ClosingTest::with_work_in_the_queue() {
     QTRY_VERIFY(nothing_is_left());
 }
 
+void ClosingTest::after_what_is_queued() {
+    PatcherWindow *window = open_boxes(list_box);
+    long done = 0;
+    queue_slow_tasks(10, done);
+    for (const TypedMessage &typed : parse_messages("append one, write one.xml"))
+        send_message(box("list"), typed.atoms);
+    window->close();
+    QTRY_VERIFY(nothing_is_left());
+    QVERIFY(read_text(path_of("one.xml")).contains("one"));
+}
+
+void ClosingTest::with_a_change_in_the_queue() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    const auto append = +[](t_object *list) { send_message(list, parse_atoms("append one")); };
+    defer_low(box("list"), reinterpret_cast<method>(append), nullptr, 0, nullptr);
+    when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Cancel); });
+    QVERIFY(!window->close());
+    QCOMPARE(session().documents().size(), 1u);
+}
+
 void ClosingTest::with_a_clock_running() {
     PatcherWindow *window =
         open_boxes(list_box + "," + box_json("m", "newobj", "20, 20, 80, 22", "\"text\": \"metro 1\""),
@@ -168,7 +191,7 @@ void ClosingTest::from_within_a_click() {
 
 // The window asks a person while a script plays that closes it: the answer comes before the script's next line.
 void ClosingTest::by_a_script_after_its_question() {
-    PatcherWindow *window = open_boxes(box_json("list", "vrk.tessaroll", "20, 60, 100, 80", "\"embed\": 1"));
+    PatcherWindow *window = open_boxes(embedding_list);
     send("list", "append one");
     QFile script(path_of("close.script"));
     QVERIFY(script.open(QFile::WriteOnly));

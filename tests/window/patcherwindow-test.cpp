@@ -36,6 +36,7 @@ class PatcherWindowTest : public WindowTest {
     void work_without_end_leaves_time_for_a_person();
     void saving_as_takes_the_new_name();
     void reverting_reads_the_file_again();
+    void reverting_comes_after_what_is_queued();
     void file_that_is_not_there_is_told();
     void files_are_dropped_in();
     void recent_files_are_kept();
@@ -149,6 +150,15 @@ void PatcherWindowTest::reverting_reads_the_file_again() {
     QCOMPARE(view().rows, 0);
     QVERIFY(!window->isWindowModified());
     QCOMPARE(session().documents().front()->windows().constFirst(), window);
+}
+
+void PatcherWindowTest::reverting_comes_after_what_is_queued() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    for (const TypedMessage &typed : parse_messages("append one, write one.xml"))
+        send_message(box("list"), typed.atoms);
+    when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Discard); });
+    action(window, "Revert")->trigger();
+    QVERIFY(read_text(path_of("one.xml")).contains("one"));
 }
 
 void PatcherWindowTest::file_that_is_not_there_is_told() {

@@ -2,8 +2,10 @@
 #include "window-test.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QPushButton>
 
+#include "ext_proto.h"
 #include "ext_sysfile.h"
 
 using namespace maxhost;
@@ -134,6 +136,18 @@ QString cord_json(const QString &from, int outlet, const QString &to, int inlet)
         .arg(outlet)
         .arg(to)
         .arg(inlet);
+}
+
+void queue_slow_tasks(int tasks, long &done) {
+    const auto work = +[](long *count) {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 20) {
+        }
+        ++*count;
+    };
+    for (int i = 0; i < tasks; ++i)
+        defer_low(&done, reinterpret_cast<method>(work), nullptr, 0, nullptr);
 }
 
 QString read_text(const QString &file) {

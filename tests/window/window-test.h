@@ -60,4 +60,8 @@ class WindowTest : public QObject {
 QString box_json(const QString &id, const QString &maxclass, const QString &rect, const QString &more = {});
 QString cord_json(const QString &from, int outlet, const QString &to, int inlet);
 
+// Queues tasks that count themselves when they are done. Each takes longer than half of the time that the window gives
+// to the queue at once.
+void queue_slow_tasks(int tasks, long &done);
+
 QString read_text(const QString &file);
