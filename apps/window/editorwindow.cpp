@@ -74,7 +74,7 @@ bool EditorWindow::save() {
     session_.bridge().deliver();
     const int errors = session_.console().errors();
     const bool is_taken = save_editor_text(editor_, text_->toPlainText().toStdString());
-    session_.time().run();
+    drain_queue();
     session_.bridge().deliver();
     const bool is_saved = is_taken && session_.console().errors() == errors;
     const QString reason =

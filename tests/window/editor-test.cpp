@@ -7,6 +7,7 @@
 #include <QTextBlock>
 #include <QTextLayout>
 
+#include "ext_post.h"
 #include "xmldocument.h"
 
 using namespace maxhost;
@@ -19,6 +20,7 @@ class EditorTest : public WindowTest {
     void saves_to_the_file();
     void text_that_does_not_parse_is_not_saved();
     void file_that_cannot_be_written_is_told();
+    void what_is_found_later_is_told();
     void closing_asks_when_unsaved_data();
     void closing_asks_when_unsaved();
     void finds_and_goes_round();
@@ -92,6 +94,16 @@ void EditorTest::file_that_cannot_be_written_is_told() {
     QTest::keyClicks(&window->text(), "<a>typed</a>");
     QVERIFY(!window->save());
     QVERIFY(window->statusBar()->currentMessage().contains("unable to write"));
+}
+
+void EditorTest::what_is_found_later_is_told() {
+    EditorWindow *window = edit("<a/>");
+    long done = 0;
+    queue_slow_tasks(10, done);
+    const auto complain = +[](void *) { object_error(nullptr, "no room"); };
+    defer_low(window, reinterpret_cast<method>(complain), nullptr, 0, nullptr);
+    QVERIFY(!window->save());
+    QCOMPARE(window->statusBar()->currentMessage(), "Not saved: no room");
 }
 
 void EditorTest::closing_asks_when_unsaved_data() {
