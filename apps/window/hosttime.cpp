@@ -28,11 +28,11 @@ HostTime::HostTime() {
 bool HostTime::run() {
     if (stops_ > 0)
         return true;
-    const bool is_drained = drain_queue_for(longest_run);
-    run_clocks();
+    const bool is_drained = run_clocks(drain_queue_for(longest_run));
     arrange_next();
     if (is_drained || stops_ > 0)
         return true;
+    tell_of_endless_queue();
     timer_.start(0); // after what a person does in the meantime
     return false;
 }
@@ -49,12 +49,13 @@ void HostTime::go_on() {
     QMetaObject::invokeMethod(this, &HostTime::run, Qt::QueuedConnection);
 }
 
-void HostTime::run_clocks() {
+bool HostTime::run_clocks(bool is_drained) {
     const double passed = timer_is_idle_ ? 0 : static_cast<double>(since_.nsecsElapsed()) / 1e6;
     since_.restart();
     const double until = clock_time() + std::min(passed, most_made_up);
     while (stops_ == 0 && since_.elapsed() < longest_run && run_next_clock(until))
-        drain_queue_for(longest_run);
+        is_drained = drain_queue_for(longest_run);
+    return is_drained;
 }
 
 void HostTime::arrange_next() {

@@ -12,7 +12,8 @@ class HostTime : public QObject {
   public:
     HostTime();
 
-    // Runs what is queued and what is due, unless it is stopped. False when that takes too long and goes on by itself.
+    // Runs what is queued and what is due, unless it is stopped. False when that takes too long and goes on by itself;
+    // when it goes on without an end, the console says so.
     bool run();
 
     // Stops and goes on, counted: while a dialog that a box has opened waits for its answer, and while a script has
@@ -21,7 +22,7 @@ class HostTime : public QObject {
     void go_on();
 
   private:
-    void run_clocks();
+    bool run_clocks(bool is_drained); // whether the queue is drained after that
     void arrange_next();
 
     QTimer timer_;

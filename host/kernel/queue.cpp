@@ -45,6 +45,10 @@ struct Queue {
     Entries entries;
     std::unordered_map<const void *, std::deque<Entries::iterator>> deferred; // the calls for an object, in order
     std::unordered_set<void *> elements;                                      // all that are alive
+
+    // The main thread's: since drain_queue_for left nothing.
+    size_t tasks_in_a_row = 0;
+    bool end_is_missed = false; // and that has been told
 };
 
 Queue &queue() {
@@ -106,6 +110,10 @@ size_t run_round() {
 constexpr long most_rounds = 10'000;
 constexpr size_t most_tasks = 10'000'000;
 
+void complain_of_no_end() {
+    console_error(nullptr, "the queue does not become empty: something queues itself for ever");
+}
+
 // The queue's mutex is not held.
 void tell_of_work() {
     if (front_end().work)
@@ -132,7 +140,7 @@ void drain_queue() {
             return;
         tasks += count;
     }
-    console_error(nullptr, "the queue does not become empty: something queues itself for ever");
+    complain_of_no_end();
 }
 
 bool drain_queue_for(double milliseconds) {
@@ -141,11 +149,23 @@ bool drain_queue_for(double milliseconds) {
     Entry entry;
     while (take(entry)) {
         run(entry);
+        ++queue().tasks_in_a_row;
         if (clock::now() >= end)
             break;
     }
     std::lock_guard lock(queue().mutex);
-    return queue().entries.empty();
+    if (!queue().entries.empty())
+        return false;
+    queue().tasks_in_a_row = 0;
+    queue().end_is_missed = false;
+    return true;
+}
+
+void tell_of_endless_queue() {
+    if (queue().tasks_in_a_row < most_tasks || queue().end_is_missed)
+        return;
+    queue().end_is_missed = true;
+    complain_of_no_end();
 }
 
 bool run_queue_once() { return run_round() > 0; }

@@ -22,6 +22,19 @@ QString inner_json(const QString &id, const QString &text, const QString &keys, 
                         .arg(text, keys, boxes));
 }
 
+// Queues itself for ever.
+struct Endless {
+    void *element = qelem_new(this, reinterpret_cast<method>(run));
+    long runs = 0;
+
+    Endless() { qelem_set(element); }
+    ~Endless() { qelem_free(element); }
+    static void run(Endless *work) {
+        ++work->runs;
+        qelem_set(work->element);
+    }
+};
+
 } // namespace
 
 class PatcherWindowTest : public WindowTest {
@@ -34,6 +47,9 @@ class PatcherWindowTest : public WindowTest {
     void saving_writes_the_file();
     void saving_writes_what_is_on_its_way();
     void work_without_end_leaves_time_for_a_person();
+    void work_without_end_is_told_once();
+    void long_work_is_done_piece_by_piece();
+    void work_of_clocks_is_done_piece_by_piece();
     void saving_as_takes_the_new_name();
     void reverting_reads_the_file_again();
     void reverting_comes_after_what_is_queued();
@@ -102,21 +118,45 @@ void PatcherWindowTest::saving_writes_what_is_on_its_way() {
 }
 
 void PatcherWindowTest::work_without_end_leaves_time_for_a_person() {
-    struct Endless {
-        void *element = nullptr;
-        long runs = 0;
-        static void run(Endless *work) {
-            ++work->runs;
-            qelem_set(work->element);
-        }
-    } work;
-    work.element = qelem_new(&work, reinterpret_cast<method>(Endless::run));
     open_boxes(embedding_list);
-    qelem_set(work.element);
+    Endless work;
     QVERIFY(!session().time().run());
     const long before = work.runs;
     QTRY_VERIFY(work.runs > before); // events come in between, as this one does
-    qelem_free(work.element);
+}
+
+void PatcherWindowTest::work_without_end_is_told_once() {
+    open_boxes(embedding_list);
+    Endless work;
+    while (work.runs < 10'000'000)
+        session().time().run();
+    session().time().run();
+    session().bridge().deliver();
+    QCOMPARE(session().console().errors(), 1);
+    QCOMPARE(session().console().last_error(), "the queue does not become empty: something queues itself for ever");
+}
+
+// Nothing tells the window of work any more once it has begun: it goes on by itself.
+void PatcherWindowTest::long_work_is_done_piece_by_piece() {
+    open_boxes(embedding_list);
+    long done = 0;
+    queue_slow_tasks(10, done);
+    QCoreApplication::sendPostedEvents();
+    QVERIFY(done < 10);
+    QTRY_COMPARE(done, 10);
+}
+
+void PatcherWindowTest::work_of_clocks_is_done_piece_by_piece() {
+    long done = 0;
+    void *clock = clock_new(&done, reinterpret_cast<method>(+[](long *count) { queue_slow_tasks(5, *count); }));
+    clock_fdelay(clock, 1);
+    bool is_drained;
+    do
+        is_drained = session().time().run();
+    while (done == 0);
+    object_free(clock);
+    QVERIFY(!is_drained);
+    QTRY_COMPARE(done, 5);
 }
 
 void PatcherWindowTest::saving_writes_the_file() {
@@ -154,6 +194,8 @@ void PatcherWindowTest::reverting_reads_the_file_again() {
 
 void PatcherWindowTest::reverting_comes_after_what_is_queued() {
     PatcherWindow *window = open_boxes(embedding_list);
+    long done = 0;
+    queue_slow_tasks(10, done);
     for (const TypedMessage &typed : parse_messages("append one, write one.xml"))
         send_message(box("list"), typed.atoms);
     when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Discard); });
