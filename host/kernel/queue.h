@@ -10,8 +10,8 @@ namespace maxhost {
 // itself for ever, the console says so and the rest stays queued. Main thread.
 MAXHOST_EMBED void drain_queue();
 
-// Runs what is queued, and what that queues, for so many milliseconds, or one task that takes longer. False when
-// something is left, be it for the tenth or the thousandth time: whether that is told is up to who calls. Main thread.
+// Runs what is queued, and what that queues, for so many milliseconds, or one task that takes longer; false when
+// something is left. It never says that no end is in sight: who calls it decides when that is so. Main thread.
 MAXHOST_EMBED bool drain_queue_for(double milliseconds);
 
 // Says on the console what drain_queue says when no end is in sight, if drain_queue_for has run 10,000,000 tasks since

@@ -238,6 +238,33 @@ TEST_F(KernelTest, TheQueueCanBeDrainedPieceByPiece) {
     EXPECT_TRUE(drain_queue_for(0)) << "nothing to do";
 }
 
+TEST_F(KernelTest, WorkWithoutEndInPiecesIsToldOnce) {
+    struct Endless {
+        void *element = qelem_new(this, (method)run);
+        long runs = 0;
+        bool goes_on = true;
+        static void run(Endless *work) {
+            ++work->runs;
+            if (work->goes_on)
+                qelem_set(work->element);
+        }
+    } work;
+    qelem_set(work.element);
+    EXPECT_FALSE(drain_queue_for(0));
+    tell_of_endless_queue();
+    EXPECT_EQ(take_lines(), Lines()) << "an end may come";
+    while (work.runs < 10'000'000)
+        drain_queue_for(1);
+    tell_of_endless_queue();
+    tell_of_endless_queue();
+    EXPECT_EQ(take_lines(), Lines{"error: -: the queue does not become empty: something queues itself for ever"});
+    work.goes_on = false;
+    EXPECT_TRUE(drain_queue_for(0));
+    tell_of_endless_queue();
+    EXPECT_EQ(take_lines(), Lines());
+    qelem_free(work.element);
+}
+
 TEST_F(KernelTest, WhatIsQueuedForABoxGoesWithIt) {
     Probe *a = make("a");
     send(a, "later 1");
