@@ -120,6 +120,14 @@ int show(Session &session, ScriptPlayer &player, const Options &options) {
     return player.failure().empty() ? status : wrong_usage;
 }
 
+QtMessageHandler say_as_before;
+
+// The offscreen platform complains of what it has no windows for, which tells nobody anything.
+void say(QtMsgType kind, const QMessageLogContext &context, const QString &text) {
+    if (QApplication::platformName() != "offscreen" || !text.startsWith("This plugin does not support "))
+        say_as_before(kind, context, text);
+}
+
 // Without one Qt ends the program in its own way.
 bool has_display() {
     return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
@@ -163,6 +171,7 @@ int main(int argc, char **argv) {
             qputenv("QT_QPA_PLATFORM", "offscreen");
         if (!has_display())
             return fail("there is no display; --picture FILE.png shows what would be on it");
+        say_as_before = qInstallMessageHandler(say);
         int no_arguments = 1; // Qt's own options are not the program's
         const QApplication qt(no_arguments, argv);
         QApplication::setOrganizationName("vrk.tessaroll");

@@ -59,6 +59,7 @@ void ProgramTest::draws_a_picture() {
     const QTemporaryDir folder;
     const Ended ended = run(VRK_WINDOW_PROGRAM, {"--picture", folder.filePath("p.png"), "--palette", "dark", PATCHER});
     QCOMPARE(ended.status, 0);
+    QVERIFY2(!ended.complaints.contains("plugin"), qPrintable(ended.complaints));
     const QImage picture(folder.filePath("p.png"));
     QVERIFY(picture.width() > 200);
     QVERIFY(picture.pixelColor(picture.width() - 5, picture.height() / 2).lightness() < 80);
