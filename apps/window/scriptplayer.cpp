@@ -2,8 +2,6 @@
 #include "scriptplayer.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <iostream>
 
 #include <QThread>
 
@@ -79,13 +77,11 @@ FrontEnd ScriptPlayer::front_end(unsigned traced) {
 
 bool ScriptPlayer::load(const std::string &file) {
     name_ = file;
-    lines_ = &std::cin;
-    if (file != "-") {
-        file_.open(file);
-        lines_ = &file_;
-        if (!file_ || std::filesystem::is_directory(file))
-            return false;
-    }
+    if (!lines_.open(file))
+        return false;
+    more_ = std::make_unique<QSocketNotifier>(lines_.descriptor(), QSocketNotifier::Read);
+    more_->setEnabled(false);
+    connect(more_.get(), &QSocketNotifier::activated, this, &ScriptPlayer::read_more);
     is_playing_ = true;
     session_.time().stop();
     return true;
@@ -99,24 +95,37 @@ void ScriptPlayer::start(Document *document) {
 
 void ScriptPlayer::play_all() {
     while (is_playing())
-        play_line();
+        if (!play_line())
+            lines_.read();
 }
 
 // Not in the event loop of a question or a dialog: a line may close the window that waits for its end.
 void ScriptPlayer::play_in_turn() {
-    if (QThread::currentThread()->loopLevel() <= outermost_loop)
-        play_line();
+    if (QThread::currentThread()->loopLevel() > outermost_loop || play_line())
+        return;
+    timer_.stop();
+    more_->setEnabled(true);
 }
 
-void ScriptPlayer::play_line() {
-    std::string line, reason;
-    if (!std::getline(*lines_, line))
-        return end();
-    ++line_;
-    if (script_.run_line(line, reason))
-        return;
-    failure_ = name_ + ":" + std::to_string(line_) + ": " + reason;
+void ScriptPlayer::read_more() {
+    lines_.read();
+    more_->setEnabled(false);
+    timer_.start(0);
+}
+
+bool ScriptPlayer::play_line() {
+    const std::optional<std::string> line = lines_.take();
+    if (!line && !lines_.are_over())
+        return false;
+    if (line) {
+        ++line_;
+        std::string reason;
+        if (script_.run_line(*line, reason))
+            return true;
+        failure_ = name_ + ":" + std::to_string(line_) + ": " + reason;
+    }
     end();
+    return true;
 }
 
 void ScriptPlayer::end() {

@@ -1,12 +1,14 @@
 // The script player: plays a script in the windows, a line each time that the event loop comes round.
 #pragma once
 
-#include <fstream>
+#include <memory>
 
 #include <QObject>
+#include <QSocketNotifier>
 #include <QTimer>
 
 #include "script/script.h"
+#include "scriptlines.h"
 #include "session.h"
 
 // The script's patcher is a document in a window.
@@ -48,7 +50,7 @@ class ScriptPlayer : public QObject {
     // Begins with the first line. `document` may be null.
     void start(Document *document);
 
-    // Plays to the end, now.
+    // Plays to the end, now, and waits for lines that are yet to be written.
     void play_all();
 
     bool is_playing() const { return is_playing_; }
@@ -61,17 +63,18 @@ class ScriptPlayer : public QObject {
 
   private:
     void play_in_turn();
-    void play_line();
+    bool play_line(); // false when the next one has not been read
+    void read_more();
     void end();
 
     Session &session_;
     Transcript &transcript_;
     WindowStage stage_;
     Script script_;
-    std::ifstream file_;
-    std::istream *lines_ = nullptr;
+    ScriptLines lines_;
     std::string name_, failure_;
     long line_ = 0;
     bool is_playing_ = false;
-    QTimer timer_; // has the next line played
+    QTimer timer_;                          // has the next line played
+    std::unique_ptr<QSocketNotifier> more_; // tells of more to read, while the timer does not run
 };

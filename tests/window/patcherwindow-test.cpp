@@ -1,6 +1,11 @@
 // The patcher window: tabs, inner patchers, presentation, files, the console.
 #include "window-test.h"
 
+#include <cstdio>
+#include <memory>
+
+#include <unistd.h>
+
 #include <QAction>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -8,6 +13,7 @@
 #include <QTabWidget>
 
 #include "picture.h"
+#include "scriptplayer.h"
 
 using namespace maxhost;
 
@@ -62,6 +68,7 @@ class PatcherWindowTest : public WindowTest {
     void console_counts_errors();
     void dark_palette_keeps_texts_readable();
     void picture_is_what_the_window_shows();
+    void script_is_played_as_it_is_written();
 
   private:
     QAction *action(PatcherWindow *window, const QString &text) const;
@@ -316,6 +323,32 @@ void PatcherWindowTest::picture_is_what_the_window_shows() {
     const QColor at_message = picture.pixelColor(inside * window->devicePixelRatio());
     QVERIFY(at_message != look_of(window->palette()).canvas);
     QVERIFY(!write_picture(*window, path_of("no-folder/window.png")));
+}
+
+// The window goes on while the rest of a line is still to come.
+void PatcherWindowTest::script_is_played_as_it_is_written() {
+    open_boxes(message_box);
+    int ends[2];
+    QCOMPARE(pipe(ends), 0);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> out(std::tmpfile(), std::fclose);
+    Transcript transcript(out.get());
+    ScriptPlayer player(session(), transcript);
+    QVERIFY(player.load(QString("/dev/fd/%1").arg(ends[0]).toStdString()));
+    player.start(session().documents().front().get());
+    const auto write_down = [&](const QByteArray &text) { return write(ends[1], text.constData(), text.size()); };
+    write_down("m one\nm bang\nm set t");
+    QTRY_COMPARE(outputs(), QStringList({"m:0 go", "m:0 go"}));
+    for (int i = 0; i < 10; ++i)
+        QCoreApplication::processEvents();
+    QCOMPARE(value("m"), "go");
+    write_down("wo\nm bang"); // without an end
+    QTRY_COMPARE(value("m"), "two");
+    QVERIFY(player.is_playing());
+    close(ends[1]);
+    QTRY_VERIFY(!player.is_playing());
+    close(ends[0]);
+    QCOMPARE(outputs(), QStringList({"m:0 go", "m:0 go", "m:0 two"}));
+    QCOMPARE(player.failure(), "");
 }
 
 int run_patcherwindow_tests(int argc, char **argv) {
