@@ -50,7 +50,8 @@ t_object *make_list(Session &session) {
 
 // Everything that comes of an event, down to what is painted.
 void settle(Session &session) {
-    session.time().run();
+    while (!session.time().run()) {
+    }
     session.bridge().deliver();
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
