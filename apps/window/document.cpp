@@ -18,7 +18,6 @@ QString Document::name() const {
 }
 
 bool Document::save(const QString &file, QString &reason) {
-    drain_queue(); // what is on its way to a box is saved with it
     std::string why;
     const bool is_saved = save_patcher(patcher_, QFileInfo(file).absoluteFilePath().toStdString(), why);
     reason = QString::fromStdString(why);

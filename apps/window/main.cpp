@@ -81,9 +81,8 @@ QWidget *front_window() {
 }
 
 int take_picture(Session &session, const Options &options) {
-    maxhost::drain_queue();
     session.time().run();
-    maxhost::drain_queue(); // what clocks have queued
+    maxhost::drain_queue(); // what that has left
     session.bridge().deliver();
     QWidget *window = front_window();
     if (!window)

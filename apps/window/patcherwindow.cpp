@@ -205,11 +205,17 @@ void PatcherWindow::open_file() {
         session_.open_and_tell(file, this);
 }
 
+// What is on its way to a box is saved with it.
+bool PatcherWindow::write_to(const QString &file, QString &reason) {
+    finish_queued();
+    return document_.save(file, reason);
+}
+
 bool PatcherWindow::save() {
     if (document_.file().isEmpty())
         return save_as();
     QString reason;
-    if (document_.save(document_.file(), reason)) {
+    if (write_to(document_.file(), reason)) {
         statusBar()->showMessage(tr("Saved"), 3000);
         return true;
     }
@@ -223,7 +229,7 @@ bool PatcherWindow::save_as() {
     if (file.isEmpty())
         return false;
     QString reason;
-    if (!document_.save(file, reason)) {
+    if (!write_to(file, reason)) {
         complain(tr("%1 is not saved: %2").arg(QFileInfo(file).fileName(), reason));
         return false;
     }
@@ -247,7 +253,7 @@ void PatcherWindow::revert() {
 
 void PatcherWindow::complain(const QString &text) { QMessageBox::warning(this, document_.name(), text); }
 
-// What is on its way to a box comes before a question about what has changed. While a box waits for the answer to a
+// What is on its way to a box comes before its patcher is saved or asked about. While a box waits for the answer to a
 // dialog, so does what is queued behind it.
 void PatcherWindow::finish_queued() {
     if (!session_.dialogs().are_open())

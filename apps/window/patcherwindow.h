@@ -51,6 +51,7 @@ class PatcherWindow : public QMainWindow {
     void show_title();
 
     void open_file();
+    bool write_to(const QString &file, QString &reason);
     bool save();
     bool save_as();
     void revert();

@@ -106,8 +106,7 @@ void ClosingTest::after_what_is_queued() {
     PatcherWindow *window = open_boxes(list_box);
     long done = 0;
     queue_slow_tasks(10, done);
-    for (const TypedMessage &typed : parse_messages("append one, write one.xml"))
-        send_message(box("list"), typed.atoms);
+    queue("list", "append one, write one.xml");
     window->close();
     QTRY_VERIFY(nothing_is_left());
     QVERIFY(read_text(path_of("one.xml")).contains("one"));

@@ -118,8 +118,7 @@ void PatcherWindowTest::closing_asks_when_changed() {
 
 void PatcherWindowTest::saving_writes_what_is_on_its_way() {
     PatcherWindow *window = open_boxes(embedding_list);
-    for (const TypedMessage &typed : parse_messages("append \"an item\", append another"))
-        send_message(box("list"), typed.atoms);
+    queue("list", "append \"an item\", append another");
     action(window, "Save")->trigger();
     QVERIFY(read_text(path_of("test.maxpat")).contains("another"));
 }
@@ -203,8 +202,7 @@ void PatcherWindowTest::reverting_comes_after_what_is_queued() {
     PatcherWindow *window = open_boxes(embedding_list);
     long done = 0;
     queue_slow_tasks(10, done);
-    for (const TypedMessage &typed : parse_messages("append one, write one.xml"))
-        send_message(box("list"), typed.atoms);
+    queue("list", "append one, write one.xml");
     when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Discard); });
     action(window, "Revert")->trigger();
     QVERIFY(read_text(path_of("one.xml")).contains("one"));

@@ -88,9 +88,13 @@ BoxWidget *WindowTest::widget(const char *name) const {
 
 ListView *WindowTest::list(const char *name) const { return widget(name)->findChild<ListView *>(); }
 
-void WindowTest::send(const char *name, const QString &message) {
+void WindowTest::queue(const char *name, const QString &message) {
     for (const TypedMessage &typed : parse_messages(message.toStdString()))
         send_message(box(name), typed.atoms);
+}
+
+void WindowTest::send(const char *name, const QString &message) {
+    queue(name, message);
     settle();
 }
 

@@ -27,7 +27,10 @@ class WindowTest : public QObject {
     BoxWidget *widget(const char *name) const;
     ListView *list(const char *name = "list") const;
 
-    // A message to a box, as a script has it, and everything that comes of it.
+    // Messages to a box, as a script has them; what they defer stays queued.
+    void queue(const char *name, const QString &message);
+
+    // The same, and everything that comes of it.
     void send(const char *name, const QString &message);
     void settle();
 
