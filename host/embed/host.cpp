@@ -85,15 +85,18 @@ t_object *open_patcher(const std::string &file, std::string &reason) {
         reason = "not found";
         return nullptr;
     }
+    const FileStamp stamp = stamp_of(path); // a change while the file is read is one since then
     if (!read_whole_file(path, text, reason))
         return nullptr;
     const fs::path whole(path);
     set_patcher_folder(whole.parent_path().string());
     Patcher *patcher = read_patcher(text, whole.filename().string(), reason);
-    if (patcher)
-        patcher->file = path;
-    else
+    if (!patcher) {
         set_patcher_folder("");
+        return nullptr;
+    }
+    patcher->file = path;
+    patcher->file_stamp = stamp;
     return patcher;
 }
 
@@ -108,7 +111,7 @@ bool save_patcher(t_object *patcher, const std::string &file, std::string &reaso
         reason = "no name of a file";
         return false;
     }
-    if (!replace_whole_file(path.string(), patcher_text(*found), reason))
+    if (!replace_whole_file(path.string(), patcher_text(*found), reason, &found->file_stamp))
         return false;
     set_patcher_folder(path.parent_path().string());
     found->file = path.lexically_normal().string();
@@ -119,6 +122,11 @@ bool save_patcher(t_object *patcher, const std::string &file, std::string &reaso
 std::string file_of_patcher(t_object *patcher) {
     const auto *found = expect<Patcher>(patcher, "file_of_patcher");
     return found ? found->file : "";
+}
+
+bool changed_on_disk(t_object *patcher) {
+    const auto *found = expect<Patcher>(patcher, "changed_on_disk");
+    return found && !found->file.empty() && stamp_of(found->file) != found->file_stamp;
 }
 
 void free_patcher(t_object *patcher) {

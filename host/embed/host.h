@@ -11,8 +11,10 @@
 
 #include "embed/shown.h"
 #include "ext_obex.h"
+#include "files/filestamp.h"
 #include "files/paths.h"
 #include "files/sysfile.h"
+#include "files/wholefile.h"
 #include "kernel/atomtext.h"
 #include "kernel/clocks.h"
 #include "kernel/dictionary.h"
@@ -71,6 +73,11 @@ MAXHOST_EMBED bool save_patcher(t_object *patcher, const std::string &file, std:
 
 // The full path of the file that a patcher was opened from, or saved to since; empty when there is none.
 MAXHOST_EMBED std::string file_of_patcher(t_object *patcher);
+
+// Whether that file is no longer what it was when the patcher was opened, or saved last: somebody has written to it,
+// replaced it or taken it away. False for a patcher without a file. To tell one change from the next, compare stamp_of
+// the file with the stamp that was taken when the user was asked.
+MAXHOST_EMBED bool changed_on_disk(t_object *patcher);
 
 MAXHOST_EMBED void free_patcher(t_object *patcher);
 MAXHOST_EMBED bool is_dirty(t_object *patcher);

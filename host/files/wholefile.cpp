@@ -93,7 +93,7 @@ bool read_whole_file(const std::string &path, std::string &content, std::string 
     return false;
 }
 
-bool replace_whole_file(const std::string &path, const std::string &content, std::string &reason) {
+bool replace_whole_file(const std::string &path, const std::string &content, std::string &reason, FileStamp *written) {
     const std::string target = target_of(path);
     struct stat status;
     const bool exists = stat(target.c_str(), &status) == 0;
@@ -112,9 +112,14 @@ bool replace_whole_file(const std::string &path, const std::string &content, std
         return false;
     }
     const mode_t mode = exists ? status.st_mode & 07777 : usual_mode();
-    if (write_fully(file, content) && fchmod(file, mode) == 0 && fsync(file) == 0 && file.close() &&
-        std::rename(beside.c_str(), target.c_str()) == 0)
-        return true;
+    if (write_fully(file, content) && fchmod(file, mode) == 0 && fsync(file) == 0) {
+        const FileStamp stamp = stamp_of(file);
+        if (file.close() && std::rename(beside.c_str(), target.c_str()) == 0) {
+            if (written)
+                *written = stamp;
+            return true;
+        }
+    }
     reason = errno_text();
     unlink(beside.c_str());
     return false;

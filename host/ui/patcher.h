@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "files/filestamp.h"
 #include "jgraphics.h"
 #include "jpatcher_api.h"
 #include "kernel/classes.h"
@@ -33,6 +34,7 @@ struct Patcher : t_object {
     long newest_id = 0;                                          // of "obj-N"
     std::atomic<bool> dirty{false};                              // of a patcher that is in no box
     std::string file;                                            // full path; empty until it is opened or saved
+    FileStamp file_stamp;                                        // of that file when it was opened or saved last
     std::unique_ptr<PatcherDocument, DocumentReleaser> document; // what a file said of the patcher
 
     static Class *host_class();
