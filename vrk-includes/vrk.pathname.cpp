@@ -1,5 +1,8 @@
 // Paths: from the host's form to the native one, files in the search path, and writing a document to a native path.
-#include <cstdio>
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 
 #ifdef __APPLE__
@@ -14,7 +17,7 @@
 #include "vrk.wholefile.h"
 
 constexpr char OWN_FOLDER[] = "org.vrk.tessaroll"; // among the temporary items
-constexpr size_t WRITE_SIZE = 65536;               // bytes that are handed to the system at once
+constexpr size_t FIRST_ROOM = 65536;               // bytes, for the text of a document
 
 t_symbol *vrk_path_to_OSX_path(t_object *, t_symbol *pathname) {
     char native[MAX_PATH_CHARS] = "";
@@ -89,28 +92,55 @@ static bool find_encoder(const xmlDoc *doc, xmlCharEncodingHandlerPtr *encoder) 
     return *encoder;
 }
 
-// A buffer that has run out of memory has no bytes; libxml2 would count what it has lost as written.
-static int write_bytes(void *file, const char *bytes, int count) {
-    const size_t size = (size_t)count;
-    return bytes && std::fwrite(bytes, 1, size, (std::FILE *)file) == size ? count : -1;
+// The text of a document, while it grows.
+struct document_text {
+    malloc_array<char> bytes;
+    size_t size = 0;
+    size_t room = 0;
+};
+
+static bool make_room(document_text *text, size_t size) {
+    if (size <= text->room)
+        return true;
+    const size_t room = std::max({size, 2 * text->room, FIRST_ROOM});
+    char *grown = (char *)std::realloc(text->bytes.get(), room);
+    if (!grown)
+        return false;
+    (void)text->bytes.release(); // realloc has it
+    text->bytes.reset(grown);
+    text->room = room;
+    return true;
 }
 
-// The number of bytes that a document takes in an open file, which is closed; -1 when not all of them were written.
-static int write_document(std::FILE *file, void *document) {
-    xmlDocPtr doc = (xmlDocPtr)document;
-    std::setvbuf(file, nullptr, _IOFBF, WRITE_SIZE);
+// A buffer that has run out of memory has no bytes; libxml2 would count what it has lost as written.
+static int append_bytes(void *context, const char *bytes, int count) {
+    document_text *text = (document_text *)context;
+    const size_t size = text->size + (size_t)count;
+    if (!bytes || !make_room(text, size))
+        return -1;
+    std::memcpy(text->bytes.get() + text->size, bytes, (size_t)count);
+    text->size = size;
+    return count;
+}
+
+// The text of a document in its own encoding. 0, or the error number of what failed.
+static int print_document(xmlDocPtr doc, document_text *text) {
+    const quiet_libxml quiet;
     xmlCharEncodingHandlerPtr encoder = nullptr;
-    xmlOutputBufferPtr output =
-        find_encoder(doc, &encoder) ? xmlOutputBufferCreateIO(write_bytes, nullptr, file, encoder) : nullptr;
+    if (!find_encoder(doc, &encoder))
+        return quiet.out_of_memory() ? ENOMEM : ENOTSUP;
+    xmlOutputBufferPtr output = xmlOutputBufferCreateIO(append_bytes, nullptr, text, encoder);
     if (!output && encoder)
         xmlCharEncCloseFunc(encoder);
-    const int size = output ? xmlSaveFileTo(output, doc, (const char *)doc->encoding) : -1;
-    return std::fclose(file) == 0 ? size : -1;
+    return output && xmlSaveFileTo(output, doc, (const char *)doc->encoding) >= 0 ? 0 : ENOMEM;
 }
 
 int vrk_save_document(t_symbol *native_path, xmlDocPtr doc) {
     if (!native_path || !doc)
-        return -1;
-    const quiet_libxml quiet;
-    return vrk_replace_file(native_path->s_name, write_document, doc);
+        return -EINVAL;
+    document_text text;
+    if (const int error = print_document(doc, &text))
+        return -error;
+    const int result = vrk_replace_file(native_path->s_name, text.bytes.get(), text.size);
+    return result < 0 ? result : (int)std::min<size_t>(text.size, INT_MAX);
 }

@@ -23,10 +23,9 @@ void vrk_set_editorfile_from_pathname(t_object *editor, t_symbol *pathname);
 // temporary items; 0 when it can neither be made nor had.
 short vrk_path_tempfolder(const char *subfolder);
 
-// Writes a document as XML to a native path, replacing what the file holds: in the document's own encoding, or without
-// one in ASCII with character references; no indentation is added. The name is taken as it stands: "%41" in it is
-// three characters, where xmlSaveFile would write to another file. The number of bytes written, or -1: no path, no
-// document, out of memory, or a file that cannot be written (what is no regular file never is). The text is written
-// to a new file beside it, which is renamed and keeps permissions and owner: what was there stays until all of it is on
-// the disk. A link stays a link.
+// Writes a document as XML to a native path, replacing what the file holds, as vrk_replace_file does: whole or not at
+// all. In the document's own encoding, or without one in ASCII with character references; no indentation is added. The
+// name is taken as it stands: "%41" in it is three characters, where xmlSaveFile would write to another file. The
+// number of bytes written, or minus the error number (errno.h) of what failed: EINVAL without a path or a document,
+// ENOTSUP when libxml2 does not know the encoding, ENOMEM, or what kept the file from being written.
 int vrk_save_document(t_symbol *native_path, xmlDocPtr doc);

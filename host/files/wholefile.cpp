@@ -1,52 +1,31 @@
 // Whole files.
 #include "files/wholefile.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <iterator>
+#include <string_view>
 #include <system_error>
+
+#include "files/besidefile.h"
+#include "files/descriptor.h"
+#include "files/heldsignals.h"
 
 namespace fs = std::filesystem;
 
 namespace maxhost {
 namespace {
 
-std::string errno_text() { return std::generic_category().message(errno); }
+constexpr int patience = 5000; // milliseconds that the reader of a pipe may take nothing
+constexpr int most_links = 40;
 
-// A file descriptor that is closed at the end of its scope.
-class Descriptor {
-  public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() { close(); }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    bool is_open() const { return number_ >= 0; }
-    operator int() const { return number_; }
-    bool close() {
-        const int number = number_;
-        number_ = -1;
-        return number < 0 || ::close(number) == 0;
-    }
-
-  private:
-    int number_;
-};
-
-bool write_fully(int descriptor, const std::string &content) {
-    for (size_t done = 0; done < content.size();) {
-        const ssize_t now = write(descriptor, content.data() + done, content.size() - done);
-        if (now < 0 && errno != EINTR)
-            return false;
-        done += now < 0 ? 0 : static_cast<size_t>(now);
-    }
-    return true;
-}
+std::string error_text(int error) { return std::generic_category().message(error); }
 
 bool read_fully(int descriptor, std::string &content) {
     char piece[65536];
@@ -59,18 +38,157 @@ bool read_fully(int descriptor, std::string &content) {
     return true;
 }
 
-// What the user's mask leaves of the permissions of a new file.
-mode_t usual_mode() {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
+// ---- writing: functions that give an int give 0, or the error number of what failed
+
+// Where the content goes.
+struct Target {
+    fs::path path;           // without links, where it can be replaced
+    struct stat status = {}; // when it exists
+    bool exists = false;
+    bool is_replaceable = true; // by another file that is renamed
+};
+
+// Follows the links that a path names, also to a file that is not there.
+int follow_links(fs::path &path) {
+    std::error_code error;
+    for (int links = 0; links < most_links; ++links) {
+        if (!fs::is_symlink(fs::symlink_status(path, error)))
+            return 0;
+        path = path.parent_path() / fs::read_symlink(path, error);
+        if (error)
+            return error.value();
+    }
+    return ELOOP;
 }
 
-// The file that a path leads to, through symbolic links.
-std::string target_of(const std::string &path) {
-    std::error_code error;
-    const fs::path target = fs::canonical(path, error);
-    return error ? path : target.string();
+bool is_same_file(const fs::path &path, const struct stat &status) {
+    struct stat found;
+    return stat(path.c_str(), &found) == 0 && found.st_dev == status.st_dev && found.st_ino == status.st_ino;
+}
+
+int find_target(const std::string &path, Target &target) {
+    target.path = path;
+    target.exists = stat(path.c_str(), &target.status) == 0;
+    if (!target.exists)
+        return errno == ENOENT ? follow_links(target.path) : errno;
+    if (S_ISDIR(target.status.st_mode))
+        return EISDIR;
+    if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
+        return errno;
+    target.is_replaceable = S_ISREG(target.status.st_mode) && target.status.st_nlink == 1 &&
+                            follow_links(target.path) == 0 && is_same_file(target.path, target.status);
+    if (!target.is_replaceable)
+        target.path = path; // a link to what is open, "/dev/stdout" for one, leads to no path
+    return 0;
+}
+
+// Waits for the reader of a pipe; a disk is never waited for.
+bool has_room(int descriptor) {
+    pollfd room = {descriptor, POLLOUT, 0};
+    return poll(&room, 1, patience) > 0;
+}
+
+int write_fully(int descriptor, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t now = write(descriptor, content.data(), content.size());
+        if (now >= 0)
+            content.remove_prefix(static_cast<size_t>(now));
+        else if (errno == EAGAIN && !has_room(descriptor))
+            return ETIMEDOUT;
+        else if (errno != EAGAIN && errno != EINTR)
+            return errno;
+    }
+    return 0;
+}
+
+int write_at(int descriptor, off_t place, std::string_view content) {
+    return lseek(descriptor, place, SEEK_SET) < 0 ? errno : write_fully(descriptor, content);
+}
+
+// Not every file system can.
+int force_to_disk(int descriptor) {
+#ifdef F_FULLFSYNC
+    if (fcntl(descriptor, F_FULLFSYNC) == 0)
+        return 0;
+#endif
+    return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
+}
+
+// Not every folder may be opened.
+int force_folder_to_disk(const std::string &folder) {
+    const Descriptor opened(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return opened.is_open() ? force_to_disk(opened) : 0;
+}
+
+// A pipe or a device.
+int write_to_device(const Target &target, const std::string &content) {
+    if (!S_ISFIFO(target.status.st_mode) && !S_ISCHR(target.status.st_mode))
+        return ENOTSUP;
+    const Descriptor file(open(target.path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.is_open())
+        return errno == ENXIO ? EPIPE : errno; // nobody reads the pipe
+    const HeldSignals hold({});
+    return write_fully(file, content);
+}
+
+// What is longer than before is written first, and taken away again when there is no room for it.
+int write_in_place(const Target &target, std::string_view content, FileStamp &stamp) {
+    const HeldSignals hold({SIGINT, SIGTERM, SIGHUP});
+    const Descriptor file(open(target.path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status;
+    if (!file.is_open() || fstat(file, &status) != 0)
+        return errno;
+    const size_t before = static_cast<size_t>(status.st_size);
+    const size_t kept = std::min(before, content.size());
+    int error = write_at(file, status.st_size, content.substr(kept));
+    if (!error && kept < content.size())
+        error = force_to_disk(file);
+    if (error)
+        return ftruncate(file, status.st_size) == 0 ? error : errno;
+    error = write_at(file, 0, content.substr(0, kept));
+    if (!error && content.size() < before && ftruncate(file, static_cast<off_t>(content.size())) != 0)
+        error = errno;
+    if (!error)
+        error = force_to_disk(file);
+    stamp = stamp_of(file);
+    return error;
+}
+
+int replace_by_rename(const Target &target, const std::string &content, FileStamp &stamp) {
+    const HeldSignals hold({SIGINT, SIGTERM, SIGHUP});
+    BesideFile beside(target.path.string());
+    beside.remove_strays();
+    int error = beside.make(target.exists ? 0600 : 0666);
+    if (!error && target.exists)
+        error = beside.take_over();
+    if (!error)
+        error = write_fully(beside.descriptor(), content);
+    if (!error && target.exists && fchmod(beside.descriptor(), target.status.st_mode & 07777) != 0)
+        error = errno;
+    if (!error)
+        error = force_to_disk(beside.descriptor());
+    stamp = stamp_of(beside.descriptor());
+    if (!error)
+        error = beside.put_in_place();
+    return error ? error : force_folder_to_disk(beside.folder());
+}
+
+// Whether nothing is wrong but that a file of another owner, mount or folder cannot be replaced by a new one.
+bool is_forbidden(int error) {
+    static constexpr int errors[] = {EACCES, EPERM, EROFS, EBUSY, EXDEV, EINVAL, ENOTSUP};
+    return std::find(std::begin(errors), std::end(errors), error) != std::end(errors);
+}
+
+int replace_file(const std::string &path, const std::string &content, FileStamp &stamp) {
+    Target target;
+    if (const int error = find_target(path, target))
+        return error;
+    if (target.exists && !S_ISREG(target.status.st_mode))
+        return write_to_device(target, content);
+    if (!target.is_replaceable)
+        return write_in_place(target, content, stamp);
+    const int error = replace_by_rename(target, content, stamp);
+    return target.exists && is_forbidden(error) ? write_in_place(target, content, stamp) : error;
 }
 
 } // namespace
@@ -80,7 +198,7 @@ bool read_whole_file(const std::string &path, std::string &content, std::string 
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); // a pipe is not waited for
     struct stat status;
     if (!file.is_open() || fstat(file, &status) != 0) {
-        reason = errno_text();
+        reason = error_text(errno);
         return false;
     }
     if (!S_ISREG(status.st_mode)) {
@@ -89,40 +207,19 @@ bool read_whole_file(const std::string &path, std::string &content, std::string 
     }
     if (read_fully(file, content))
         return true;
-    reason = errno_text();
+    reason = error_text(errno);
     return false;
 }
 
 bool replace_whole_file(const std::string &path, const std::string &content, std::string &reason, FileStamp *written) {
-    const std::string target = target_of(path);
-    struct stat status;
-    const bool exists = stat(target.c_str(), &status) == 0;
-    if (exists && !S_ISREG(status.st_mode)) {
-        reason = "not a regular file";
+    FileStamp stamp;
+    if (const int error = replace_file(path, content, stamp)) {
+        reason = error_text(error);
         return false;
     }
-    if (exists && access(target.c_str(), W_OK) != 0) {
-        reason = errno_text();
-        return false;
-    }
-    std::string beside = target + ".XXXXXX";
-    Descriptor file(mkostemp(beside.data(), O_CLOEXEC));
-    if (!file.is_open()) {
-        reason = errno_text();
-        return false;
-    }
-    const mode_t mode = exists ? status.st_mode & 07777 : usual_mode();
-    if (write_fully(file, content) && fchmod(file, mode) == 0 && fsync(file) == 0) {
-        const FileStamp stamp = stamp_of(file);
-        if (file.close() && std::rename(beside.c_str(), target.c_str()) == 0) {
-            if (written)
-                *written = stamp;
-            return true;
-        }
-    }
-    reason = errno_text();
-    unlink(beside.c_str());
-    return false;
+    if (written)
+        *written = stamp;
+    return true;
 }
 
 } // namespace maxhost

@@ -4,14 +4,20 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/types.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -20,6 +26,14 @@ thread_local long until_failure = 0; // 0: nothing is to fail
 thread_local std::size_t room = std::numeric_limits<std::size_t>::max();
 thread_local bool failed = false;
 thread_local int written = -1; // the descriptor that was written to last
+
+thread_local char done[64]; // letters of operations, ended by a zero
+
+void note(char operation) {
+    const std::size_t length = std::strlen(done);
+    if (length + 1 < sizeof done && (length == 0 || done[length - 1] != operation))
+        done[length] = operation;
+}
 
 template <typename Function> Function *next(const char *name) {
     return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
@@ -33,15 +47,22 @@ bool is_next() {
 
 // Counts an operation; true, with errno set, when it is to fail.
 bool fails() {
-    if (kind != FileFault::error || !is_next())
+    const bool is_signal = kind == FileFault::killed || kind == FileFault::terminated;
+    if ((kind != FileFault::error && !is_signal) || !is_next())
         return false;
+    if (is_signal) {
+        raise(kind == FileFault::killed ? SIGKILL : SIGTERM);
+        return false;
+    }
     errno = EIO;
     return true;
 }
 
 // What was written does not reach the disk.
 void lose_content(int descriptor) {
+    const long left = std::exchange(until_failure, 0); // this is not an operation of the program's
     [[maybe_unused]] const int result = descriptor == written ? ftruncate(descriptor, 0) : 0;
+    until_failure = left;
 }
 
 // How much of so many bytes finds room on the disk.
@@ -57,6 +78,7 @@ std::size_t taken(std::size_t size) {
 
 FailingFiles::FailingFiles(FileFault fault, long n) {
     failed = false;
+    std::fill(std::begin(done), std::end(done), '\0');
     kind = fault;
     until_failure = n;
 }
@@ -72,6 +94,8 @@ FailingFiles::~FailingFiles() {
 }
 
 bool FailingFiles::has_failed() { return failed; }
+
+const char *FailingFiles::order() { return done; }
 
 // NOLINTBEGIN(*-reserved-identifier): the C library's own functions
 #pragma GCC visibility push(default)
@@ -105,6 +129,7 @@ ssize_t read(int descriptor, void *to, size_t size) {
 
 ssize_t write(int descriptor, const void *from, size_t size) {
     static auto *const real = next<ssize_t(int, const void *, size_t)>("write");
+    note('w');
     if (fails())
         return -1;
     written = descriptor;
@@ -123,33 +148,37 @@ int close(int descriptor) {
     return errno = EIO, -1;
 }
 
-int mkstemp(char *name) {
-    static auto *const real = next<int(char *)>("mkstemp");
-    written = -1;
-    return fails() ? -1 : real(name);
-}
-
-int mkostemp(char *name, int flags) {
-    static auto *const real = next<int(char *, int)>("mkostemp");
-    return fails() ? -1 : real(name, flags);
-}
-
 int rename(const char *from, const char *to) noexcept {
     static auto *const real = next<int(const char *, const char *)>("rename");
+    note('r');
     return fails() ? -1 : real(from, to);
 }
 
 int fsync(int descriptor) {
     static auto *const real = next<int(int)>("fsync");
-    if (!fails())
-        return real(descriptor);
-    lose_content(descriptor);
-    return errno = EIO, -1;
+    note('s');
+    if (fails()) {
+        lose_content(descriptor);
+        return -1;
+    }
+    if (descriptor == written) // closing it cannot lose what is on the disk
+        written = -1;
+    return real(descriptor);
 }
 
-int chmod(const char *path, mode_t mode) noexcept {
-    static auto *const real = next<int(const char *, mode_t)>("chmod");
-    return fails() ? -1 : real(path, mode);
+int ftruncate(int descriptor, off_t size) noexcept {
+    static auto *const real = next<int(int, off_t)>("ftruncate");
+    return fails() ? -1 : real(descriptor, size);
+}
+
+int flock(int descriptor, int operation) noexcept {
+    static auto *const real = next<int(int, int)>("flock");
+    return fails() ? -1 : real(descriptor, operation);
+}
+
+int fsetxattr(int descriptor, const char *name, const void *value, size_t size, int flags) noexcept {
+    static auto *const real = next<int(int, const char *, const void *, size_t, int)>("fsetxattr");
+    return fails() ? -1 : real(descriptor, name, value, size, flags);
 }
 
 int fchmod(int descriptor, mode_t mode) noexcept {

@@ -251,7 +251,7 @@ TEST_F(PatcherFileTest, AFailedSaveLeavesTheFile) {
     box("a", "button");
     std::filesystem::create_directory("folder");
     EXPECT_FALSE(save_patcher(patcher, folder() + "/folder", reason));
-    EXPECT_EQ(reason, "not a regular file");
+    EXPECT_EQ(reason, "Is a directory");
     EXPECT_FALSE(save_patcher(patcher, folder() + "/missing/file", reason));
     EXPECT_FALSE(save_patcher(patcher, folder() + "/", reason));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
