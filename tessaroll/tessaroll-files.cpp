@@ -39,4 +39,7 @@ void tessaroll_write(t_tessaroll *box, t_symbol *message, long argc, t_atom *arg
 
 void tessaroll_dowrite(t_tessaroll *box, t_symbol *message, short argc, t_atom *argv) {
     jlist_write(box->jlist, message, argc, argv);
+    int error = 0;
+    if (const t_symbol *name = jlist_unwritten(box->jlist, &error))
+        object_error((t_object *)box, "unable to write %s (%s)", name->s_name, std::strerror(error));
 }

@@ -32,6 +32,8 @@ typedef struct jlist {
     t_jrgba select_color; // "selectcolor"
     t_symbol *column_name; // the view's one column; "vrk.tessaroll": a list of texts, any other: one of images
     char replace_mode;     // the running or last edit is a replace
+    t_symbol *unwritten;   // the file that the last jlist_write could not write; null when there is none
+    int write_error;       // why: an error number (errno.h)
 } t_jlist;
 
 // ---- life; main thread
@@ -139,6 +141,11 @@ short jlist_load_from_xml(t_jlist *list, t_jxmlfile *holder, t_symbol *filename)
 
 // Writes the rows as a new resource file, under "resourcefile" and "resource" whatever the owner's attributes say. The
 // file is the one that the symbol argv[0] names; without one the save dialog asks. Of a list without data an empty file
-// is made, when the dialog chose a new one. A file that cannot be written stays as it was, without a word, on purpose.
-// `message` is not looked at.
+// is made, when there is none. What fails leaves the file as vrk_replace_file does, and is not posted here, but for
+// images that cannot be encoded, texts that XML cannot hold, and items for which memory runs out; jlist_unwritten tells
+// it. `message` is not looked at.
 void jlist_write(t_jlist *list, t_symbol *message, short argc, t_atom *argv);
+
+// The name of the file that the last jlist_write could not write, as the patch or the user gave it, and in *error why:
+// an error number (errno.h). Null when it was written, or nothing was to be, or jlist_write has posted the reason.
+t_symbol *jlist_unwritten(const t_jlist *list, int *error);

@@ -35,13 +35,14 @@ void jgraphics_move_to(t_jgraphics *g, double x, double y);
 void jgraphics_show_text(t_jgraphics *g, const char *utf8);
 
 // Images. …create… decodes PNG or JPEG bytes and gives null when it cannot; …write… allocates *data, which the caller
-// frees with sysmem_freeptr, and leaves *data null and *size 0 when it cannot. …destroy gives back the caller's
-// reference.
+// frees with sysmem_freeptr, and leaves *data null and *size 0 when it cannot. …reference gives the caller a further
+// reference, the surface itself; …destroy gives one back.
 t_jsurface *jgraphics_image_surface_create_from_filedata(const void *data, unsigned long datalen);
 void jgraphics_write_image_surface_to_filedata(t_jsurface *surf, long fmt, void **data, long *size);
 int jgraphics_image_surface_get_width(t_jsurface *s);
 int jgraphics_image_surface_get_height(t_jsurface *s);
 void jgraphics_image_surface_draw(t_jgraphics *g, t_jsurface *s, t_rect srcRect, t_rect destRect);
+t_jsurface *jgraphics_surface_reference(t_jsurface *s);
 void jgraphics_surface_destroy(t_jsurface *s);
 
 HOST_API_END

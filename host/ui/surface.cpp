@@ -51,6 +51,13 @@ int jgraphics_image_surface_get_height(t_jsurface *s) {
     return surface ? surface->height : 0;
 }
 
+t_jsurface *jgraphics_surface_reference(t_jsurface *s) {
+    auto *surface = expect<t_jsurface>(s, "jgraphics_surface_reference");
+    if (surface)
+        ++surface->references;
+    return surface;
+}
+
 void jgraphics_surface_destroy(t_jsurface *s) {
     auto *surface = expect<t_jsurface>(s, "jgraphics_surface_destroy");
     if (surface && --surface->references == 0)

@@ -53,7 +53,8 @@ TEST_F(Program, WritesNothingWhenTheDialogIsCancelled) {
 TEST_F(Program, WritesAnEmptyFileForAClearedList) {
     transcript_of(NEW_LIST + "list append a\nlist clear\nhost answer new.xml\nlist write\nlist write given.xml\n");
     EXPECT_EQ(file_text(current() / "new.xml"), "");
-    EXPECT_FALSE(fs::exists(current() / "given.xml"));
+    EXPECT_TRUE(fs::exists(current() / "given.xml"));
+    EXPECT_EQ(file_text(current() / "given.xml"), "");
 }
 
 TEST_F(Program, LeavesAFileAloneWhenAClearedListIsWrittenToIt) {
@@ -62,12 +63,21 @@ TEST_F(Program, LeavesAFileAloneWhenAClearedListIsWrittenToIt) {
     EXPECT_EQ(file_text(current() / "old.xml"), "old");
 }
 
-TEST_F(Program, SurvivesFilesThatCannotBeWritten) {
+TEST_F(Program, TellsOfEachFileThatCannotBeWritten) {
     fs::create_directory(current() / "folder.xml");
-    transcript_of(
-        NEW_LIST + "list append a\nhost answer /no-such-folder/a.xml\nhost answer folder.xml\nlist write\n" +
-        "list write\nlist write /no-such-folder/a.xml\nlist write folder.xml\nlist write \"\"\nlist length\n");
+    const std::string too_long(3000, 'x');
+    const std::string transcript =
+        transcript_of(NEW_LIST + "list append a\nhost answer folder.xml\nhost answer cancel\nlist write\nlist write\n" +
+                      "list write /no-such-folder/a.xml\nlist write /dev/full\nlist write " + too_long + "\n");
+    EXPECT_EQ(transcript.substr(0, transcript.find("xxx")),
+              "dialog: \"Save as:\" \"vrk.tessaroll\" -> folder.xml\n"
+              "error: list: unable to write folder.xml (Is a directory)\n"
+              "dialog: \"Save as:\" \"vrk.tessaroll\" -> cancel\n"
+              "error: list: unable to write /no-such-folder/a.xml (No such file or directory)\n"
+              "error: list: unable to write /dev/full (No space left on device)\n"
+              "error: list: unable to write ");
     EXPECT_TRUE(fs::is_empty(current() / "folder.xml"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(current()), {}), 1);
 }
 
 TEST_F(Program, WritesAndReadsManyItems) {

@@ -2,6 +2,7 @@
 #include "support/jlist-files-test.h"
 
 #include <algorithm>
+#include <cstring>
 
 using namespace maxhost;
 
@@ -48,6 +49,12 @@ void JlistFilesTest::write(const std::string &arguments) {
 std::string JlistFilesTest::written(const std::string &name) {
     write(name);
     return read_file(name);
+}
+
+std::string JlistFilesTest::unwritten() const {
+    int error = 0;
+    const t_symbol *name = jlist_unwritten(list, &error);
+    return name ? std::string(name->s_name) + ": " + std::strerror(error) : "";
 }
 
 void JlistFilesTest::answer_save_dialog(const std::string &answer) {

@@ -31,6 +31,9 @@ class JlistFilesTest : public ListTest {
     void write(const std::string &arguments);
     std::string written(const std::string &name);
 
+    // "NAME: REASON" when the last file could not be written, else nothing.
+    std::string unwritten() const;
+
     // From now on a person answers save dialogs so.
     void answer_save_dialog(const std::string &answer);
 

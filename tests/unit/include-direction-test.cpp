@@ -38,6 +38,7 @@ const std::map<std::string, std::set<std::string>> allowed{
      {"host/api", "vrk.owners", "vrk.numbers", "vrk.pathname", "vrk.wholefile", "vrk.jxml-bounds", "vrk.jxml-index"}},
     {"vrk.jxml-resfile", {"host/api", "vrk.owners", "vrk.pathname", "vrk.wholefile", "vrk.jxmlfile"}},
     {"vrk.jlist", {"host/api", "vrk.owners", "vrk.jattributes", "vrk.pathname", "vrk.jxmlfile", "vrk.jxml-resfile"}},
+    {"vrk.jlist-writing", {"host/api", "vrk.owners", "vrk.pathname", "vrk.wholefile", "vrk.jxml-resfile", "vrk.jlist"}},
     {"tessaroll",
      {"host/api", "vrk.owners", "vrk.jattributes", "vrk.pathname", "vrk.jxmlfile", "vrk.jxml-resfile", "vrk.jlist"}},
 };

@@ -3,6 +3,7 @@
 
 #include "support/failing-allocations.h"
 #include "support/jlist-files-test.h"
+#include "support/longest-file.h"
 
 using namespace maxhost;
 
@@ -67,7 +68,7 @@ TEST_F(JlistFilesTest, AListThatGaveUpIsNotWritten) {
     answer_save_dialog("new.xml");
     write("named.xml");
     write("");
-    EXPECT_FALSE(std::filesystem::exists("named.xml"));
+    EXPECT_EQ(std::filesystem::file_size("named.xml"), 0u);
     EXPECT_EQ(std::filesystem::file_size("new.xml"), 0u);
     EXPECT_EQ(take_lines(), no_lines);
 }
@@ -139,7 +140,8 @@ TEST_F(JlistFilesTest, OfAClearedListOnlyANewFileIsMade) {
     write("");
     EXPECT_EQ(read_file("old.xml"), "old");
     write("named.xml");
-    EXPECT_FALSE(std::filesystem::exists("named.xml"));
+    EXPECT_EQ(read_file("named.xml"), "");
+    EXPECT_TRUE(std::filesystem::exists("named.xml"));
     write("old.xml");
     EXPECT_EQ(read_file("old.xml"), "old");
     EXPECT_EQ(take_lines(), no_lines);
@@ -155,30 +157,63 @@ TEST_F(JlistFilesTest, OfAClearedListANewFileIsMadeBesideOneInAnotherFolder) {
     EXPECT_EQ(read_file("library/out.xml"), "not to be touched");
 }
 
-TEST_F(JlistFilesTest, AFileThatCannotBeWrittenEndsItSilently) {
+TEST_F(JlistFilesTest, AFileThatCannotBeWrittenIsNotedButNotPosted) {
     fill({"a"});
     std::filesystem::create_directory("folder.xml");
     write("missing/out.xml");
+    EXPECT_EQ(unwritten(), "missing/out.xml: No such file or directory");
     write("folder.xml");
-    write("\"\"");
-    answer_save_dialog("missing/out.xml");
-    write("");
-    answer_save_dialog("folder.xml");
-    write("");
+    EXPECT_EQ(unwritten(), "folder.xml: Is a directory");
+    write("out.xml");
+    EXPECT_EQ(unwritten(), "") << "what was noted before is forgotten";
+    write("/dev/full");
+    EXPECT_EQ(unwritten(), "/dev/full: No space left on device");
+    jlist_clear(list);
+    write("missing/out.xml");
+    EXPECT_EQ(unwritten(), "missing/out.xml: No such file or directory");
     EXPECT_EQ(take_lines(), no_lines);
-    EXPECT_TRUE(std::filesystem::is_directory("folder.xml"));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 2);
 }
 
-TEST_F(JlistFilesTest, ANameThatIsTooLongIsTold) {
+TEST_F(JlistFilesTest, ACancelledDialogIsNoFailure) {
+    fill({"a"});
+    write("missing/out.xml");
+    answer_save_dialog("");
+    write("");
+    EXPECT_EQ(unwritten(), "");
+    EXPECT_EQ(take_lines(), no_lines);
+}
+
+TEST_F(JlistFilesTest, TheFileThatTheDialogHasMadeIsTakenAwayWhenItCannotBeWritten) {
+    fill({"a"});
+    answer_save_dialog("new.xml");
+    {
+        const LongestFile nothing(0);
+        write("");
+    }
+    EXPECT_EQ(unwritten(), "new.xml: File too large");
+    EXPECT_FALSE(std::filesystem::exists("new.xml"));
+    write_file("old.xml", "");
+    answer_save_dialog("old.xml");
+    {
+        const LongestFile nothing(0);
+        write("");
+    }
+    EXPECT_TRUE(std::filesystem::exists("old.xml")) << "this one was there";
+    EXPECT_EQ(take_lines(), no_lines);
+}
+
+TEST_F(JlistFilesTest, ANameThatIsTooLongIsNotedButNotPosted) {
     fill({"a"});
     const std::string name(2048, 'x');
     write(name);
-    EXPECT_EQ(take_lines(), (Lines{"error: owner: path " + name + " too long"}));
+    EXPECT_EQ(unwritten(), name + ": File name too long");
     write(std::string(2047, 'x')); // fits, but no file can have it
+    EXPECT_EQ(unwritten(), name.substr(1) + ": File name too long");
     answer_save_dialog(std::string(5000, 'x'));
     write("");
     EXPECT_TRUE(std::filesystem::is_empty(folder()));
+    EXPECT_EQ(take_lines(), no_lines);
 }
 
 // ---- images
