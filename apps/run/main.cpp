@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "embed/signals.h"
 #include "script/program.h"
 #include "script/script.h"
 #include "script/stage.h"
@@ -90,6 +91,7 @@ int run(const Options &options) {
 } // namespace
 
 int main(int argc, char **argv) {
+    maxhost::take_signals_here();
     try {
         CLI::App app;
         Options options;

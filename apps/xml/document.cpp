@@ -62,6 +62,8 @@ Document::Document(const Names &names) : holder_(jxmlfile_new(nullptr)) {
 
 void Document::load(const std::string &file) {
     expect_readable(file);
+    loaded_ = full_path(file);
+    stamp_ = maxhost::stamp_of(loaded_);
     char name[MAX_FILENAME_CHARS] = "";
     short folder = 0;
     if (path_frompathname(full_path(file).c_str(), &folder, name) != 0)
@@ -80,11 +82,19 @@ void Document::create(const std::string &file) {
     jxmlfile_newdoc(holder(), gensym(full_path(file).c_str()));
     if (!holder()->doc)
         throw Refused{};
-    if (!fs::exists(file, error)) // jxmlfile_newdoc does not tell whether it could write
-        throw Refused{"unable to write " + file};
+    if (!fs::exists(file, error)) // jxmlfile_newdoc does not tell whether it could write, nor why not
+        save(file);
+}
+
+bool Document::is_itself(const std::string &file) const {
+    std::error_code error;
+    return !loaded_.empty() && (full_path(file) == loaded_ || fs::equivalent(file, loaded_, error));
 }
 
 void Document::save(const std::string &file) const {
-    if (vrk_save_document(gensym(full_path(file).c_str()), holder()->doc) < 0)
-        throw Refused{"unable to write " + file};
+    if (is_itself(file) && maxhost::stamp_of(loaded_) != stamp_)
+        throw Refused{file + " has changed since it was read, and is not saved"};
+    const int result = vrk_save_document(gensym(full_path(file).c_str()), holder()->doc);
+    if (result < 0)
+        throw Refused{"unable to write " + file + " (" + std::generic_category().message(-result) + ")"};
 }

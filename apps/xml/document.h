@@ -7,6 +7,8 @@
 
 #include "vrk.jxmlfile.h"
 
+#include "embed/host.h"
+
 // A refused operation. Nearly always the layer has told why on the console; `what` is what else there is to say.
 struct Refused {
     std::string what;
@@ -22,9 +24,15 @@ class Document {
 
     explicit Document(const Names &names);
 
-    void load(const std::string &file);       // throws Refused
-    void create(const std::string &file);     // an empty resource file, written at once; throws Refused
-    void save(const std::string &file) const; // whole or not at all; throws Refused
+    void load(const std::string &file);   // throws Refused
+    void create(const std::string &file); // an empty resource file, written at once; throws Refused
+
+    // Whole or not at all; throws Refused with the reason. The file that was loaded is saved only while it is as it was
+    // then.
+    void save(const std::string &file) const;
+
+    // Whether a path leads to the file that was loaded.
+    bool is_itself(const std::string &file) const;
 
     t_jxmlfile *holder() const { return holder_.get(); }
     bool changed = false;
@@ -34,4 +42,6 @@ class Document {
         void operator()(t_jxmlfile *holder) const { jxmlfile_free(holder); }
     };
     std::unique_ptr<t_jxmlfile, HolderReleaser> holder_;
+    std::string loaded_;       // full path
+    maxhost::FileStamp stamp_; // of that file before it was read
 };

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
 #include <unistd.h>
 
@@ -10,6 +11,8 @@
 
 #include "console.h"
 #include "document.h"
+#include "documentlock.h"
+#include "embed/signals.h"
 #include "operations.h"
 
 namespace fs = std::filesystem;
@@ -40,7 +43,8 @@ const std::string about_batch =
     R"(
 In a batch every line of standard input is an operation, with its options in front of its words:
 get --as int a b. A word in double quotes is text there, also "2.5". A refused line does not keep
-the others from being carried out; the file is written once, at the end.
+the others from being carried out; the file is written once, at the end. Meanwhile other vrk-xml
+that edit the file wait, and when anybody else has changed it, it is not saved.
 )";
 
 const std::string examples =
@@ -61,7 +65,15 @@ Exit status: 0 done, 1 refused (standard error says why), 2 wrong usage.)";
 // ---- the command line
 
 // What an operation takes.
-enum : unsigned { no_words = 1, no_file = 2, kind_option = 4, bytes_option = 8, out_option = 16, data_option = 32 };
+enum : unsigned {
+    no_words = 1,
+    no_file = 2,
+    kind_option = 4,
+    bytes_option = 8,
+    out_option = 16,
+    data_option = 32,
+    edits = 64
+};
 
 struct Command {
     const char *name;
@@ -76,17 +88,17 @@ constexpr Command commands[] = {
     {"get", "PATH", "print the content of an element", kind_option | bytes_option | out_option},
     {"getattr", "PATH NAME", "print an attribute", kind_option | out_option},
     {"count", "PATH", "print how many nodes a path selects", 0},
-    {"set", "PATH text|cdata DATA…", "set the content of an element, made when it is missing", data_option},
-    {"setattr", "PATH NAME VALUE", "set an attribute of an element that is there", 0},
-    {"delete", "PATH", "delete an element with all that is in it", 0},
-    {"deleteattr", "PATH NAME", "delete an attribute, if it is there", 0},
+    {"set", "PATH text|cdata DATA…", "set the content of an element, made when it is missing", data_option | edits},
+    {"setattr", "PATH NAME VALUE", "set an attribute of an element that is there", edits},
+    {"delete", "PATH", "delete an element with all that is in it", edits},
+    {"deleteattr", "PATH NAME", "delete an attribute, if it is there", edits},
     {"print", "", "print the elements as the console shows them", no_words},
     {"resources", "TYPE", "print how many resources of a type there are", 0},
     {"resource", "TYPE NUMBER", "print a resource", kind_option | bytes_option | out_option},
     {"list", "TYPE", "print all resources of a type in the order of their numbers", kind_option},
-    {"set-resource", "TYPE NUMBER TEXT…", "write a resource, made when it is missing", data_option},
+    {"set-resource", "TYPE NUMBER TEXT…", "write a resource, made when it is missing", data_option | edits},
     {"menu", "NUMBER", "print a menu: its title, and its items with their numbers and commands", 0},
-    {"batch", "", "carry out the operations of standard input", no_words},
+    {"batch", "", "carry out the operations of standard input", no_words | edits},
     {"edit", "", "edit the document as text, in a window", no_words},
 };
 
@@ -237,6 +249,9 @@ int edit(const Options &options) {
 int work_on(const Options &options) {
     // Never freed: the program ends now, and the system takes back at once what node by node would take a while.
     static Document &document = *new Document(options.names);
+    std::optional<DocumentLock> lock; // a document that another program edits is read when it is saved
+    if (command_of(options.operation.name).takes & edits)
+        lock.emplace(options.file);
     document.load(options.file);
     int status = 0;
     if (options.operation.name == "batch")
@@ -282,6 +297,7 @@ int run_and_tell(Options &options) {
 } // namespace
 
 int main(int argc, char **argv) {
+    maxhost::take_signals_here();
     try {
         CLI::App app("", "vrk-xml");
         Options options;

@@ -57,10 +57,9 @@ std::string hexadecimal(std::span<const char> bytes) {
 }
 
 void write_bytes(const std::string &file, std::span<const char> bytes) {
-    std::ofstream out(file, std::ios::binary);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!out.flush())
-        throw Refused{"unable to write " + file};
+    std::string reason;
+    if (!replace_whole_file(file, {bytes.data(), bytes.size()}, reason))
+        throw Refused{"unable to write " + file + " (" + reason + ")"};
 }
 
 // Text as it is, numbers as they are typed, several with blanks between; a block of bytes in hexadecimal, or into the
@@ -469,5 +468,7 @@ std::string run_operation(Document &document, const Operation &operation) {
     const auto found = handlers.find(operation.name);
     if (found == handlers.end())
         throw Refused{operation.name + ": no such operation"};
+    if (!operation.out.empty() && document.is_itself(operation.out))
+        throw Refused{"--out: " + operation.out + " is the document itself"};
     return found->second(document, operation);
 }

@@ -64,7 +64,7 @@ TEST_F(XmlOperations, GetTellsWhyItCannot) {
     expect_refused("f.xml get", "unable to evaluate xpath expression \"\"");
     expect_refused("f.xml get a x --out no/such/folder", no_node);
     write("<a>x</a>");
-    expect_refused("f.xml get a --out no/such/folder", "unable to write no/such/folder");
+    expect_refused("f.xml get a --out no/such/folder", "unable to write no/such/folder (No such file or directory)");
 }
 
 TEST_F(XmlOperations, GetattrPrintsAnAttribute) {
@@ -231,7 +231,7 @@ TEST_F(XmlOperations, NewWritesAnEmptyResourceFile) {
     output("new --root list --xmlpath group item other.xml");
     EXPECT_EQ(content("other.xml"), "<list><group/></list>");
     expect_refused("new f.xml", "f.xml is there already");
-    expect_refused("new no/such/folder.xml", "unable to write no/such/folder.xml");
+    expect_refused("new no/such/folder.xml", "unable to write no/such/folder.xml (No such file or directory)");
     expect_refused(words("new --root", {"two words", "third.xml"}), "\"two words\" cannot name an element");
     EXPECT_EQ(files(), (std::vector<std::string>{"f.xml", "other.xml"}));
 }
