@@ -5,11 +5,11 @@
 #include <array>
 #include <climits>
 #include <cstring>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <span>
 
+#include "bytes.h"
 #include "console.h"
 #include "ext.h"
 #include "vrk.jxml-resfile.h"
@@ -54,12 +54,6 @@ std::string hexadecimal(std::span<const char> bytes) {
         text += digits[static_cast<unsigned char>(byte) & 15];
     }
     return text;
-}
-
-void write_bytes(const std::string &file, std::span<const char> bytes) {
-    std::string reason;
-    if (!replace_whole_file(file, {bytes.data(), bytes.size()}, reason))
-        throw Refused{"unable to write " + file + " (" + reason + ")"};
 }
 
 // Text as it is, numbers as they are typed, several with blanks between; a block of bytes in hexadecimal, or into the
@@ -173,19 +167,6 @@ std::string count(Document &document, const Operation &operation) {
     if (result != 0)
         throw Refused{result == no_nodes ? "count: the expression selects no nodes" : "count: more than 32767 nodes"};
     return std::to_string(nodes) + "\n";
-}
-
-// The bytes of a file, as many of them as the layer needs for refusing them.
-std::string content_of(const std::string &file) {
-    constexpr size_t enough = 10'000'000;
-    std::ifstream in(file, std::ios::binary);
-    std::string bytes;
-    char piece[4096];
-    while (bytes.size() < enough && (in.read(piece, sizeof piece) || in.gcount() > 0))
-        bytes.append(piece, static_cast<size_t>(in.gcount()));
-    if (bytes.size() < enough && !in.eof())
-        throw Refused{"can't read " + file};
-    return bytes;
 }
 
 // A block of a file's bytes, which the layer takes over.

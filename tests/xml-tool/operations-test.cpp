@@ -1,6 +1,8 @@
 // The operations of vrk-xml.
 #include "xml-tool/xml-tool-test.h"
 
+#include <sys/stat.h>
+
 namespace {
 
 using XmlOperations = XmlToolTest;
@@ -156,8 +158,10 @@ TEST_F(XmlOperations, SetTellsWhyItCannot) {
     expect_refused("f.xml set a * c[d] text x", "unable to create node at xpath expression \"/a/*/c[d]\"");
     expect_refused(words("f.xml set a text", {"\x01"}), "text cannot be held by xml (byte 1)");
     expect_refused(words("f.xml set a text", {"\xFF"}), "text cannot be held by xml (byte 1)");
-    expect_refused("f.xml set a cdata --data-file missing", "can't read missing");
-    expect_refused("f.xml set a cdata --data-file .", "can't read .");
+    expect_refused("f.xml set a cdata --data-file missing", "can't read missing: No such file or directory");
+    expect_refused("f.xml set a cdata --data-file .", "can't read .: Is a directory");
+    ASSERT_EQ(mkfifo(path_of("pipe").c_str(), 0600), 0);
+    expect_refused("f.xml set a cdata --data-file pipe", "can't read pipe: nobody writes to the pipe");
     expect_refused("f.xml set a text --data-file f.xml", "set: --data-file is for \"cdata\" without other data");
     expect_refused("f.xml set a cdata 1 --data-file f.xml", "set: --data-file is for \"cdata\" without other data");
 }

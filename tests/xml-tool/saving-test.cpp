@@ -155,3 +155,14 @@ TEST_F(XmlSaving, ALinkThatLeadsNowhereHasTheFileMadeThatItNames) {
     EXPECT_TRUE(fs::is_symlink(path_of("link.xml")));
     EXPECT_EQ(content("made.xml"), "<a>x</a>");
 }
+
+TEST_F(XmlSaving, ContentMayComeFromAPipe) {
+    write("<a/>");
+    const std::string bytes(100000, 'x'); // more than a pipe takes at once
+    write_file(path_of("bytes"), bytes);
+    const ScriptResult result = script_run(
+        {"/bin/bash", {"-c", "\"$0\" f.xml set a cdata --data-file <(cat bytes)", VRK_XML_PROGRAM}, "", folder.path()});
+    EXPECT_EQ(result.status, 0) << result.complaints;
+    output("f.xml get a --out copy");
+    EXPECT_EQ(file_text(path_of("copy")), bytes);
+}
