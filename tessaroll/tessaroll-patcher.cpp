@@ -1,5 +1,7 @@
 // Saving the items of the list box in the patcher, and restoring them.
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -56,18 +58,27 @@ static void defer_append(t_tessaroll *box, t_atom *item) {
     defer_low(box, (method)tessaroll_doappend, gensym("append"), 1, item);
 }
 
-// defer_low counts in 16 bits: more items go in pieces. An atom that is no symbol ends the restoring, so that the
-// pieces after it are not queued.
-void tessaroll_deferrestore(t_tessaroll *box, long argc, t_atom *argv) {
-    const auto is_text = [](const t_atom &atom) { return atom_gettype(&atom) == A_SYM; };
-    bool goes_on = true;
-    while (goes_on) {
-        const long piece = std::min<long>(argc, std::numeric_limits<short>::max());
-        defer_low(box, (method)tessaroll_dorestoreitems, gensym("restoreitems"), (short)piece, argv);
-        goes_on = piece < argc && std::all_of(argv, argv + piece, is_text);
-        argc -= piece;
-        argv += piece;
+static bool is_text(const t_atom &atom) { return atom_gettype(&atom) == A_SYM; }
+
+// Queues the texts in pieces. The first atom of each is the number of atoms after it.
+static void defer_pieces(t_tessaroll *box, long argc, const t_atom *argv) {
+    std::array<t_atom, 1024> piece;
+    const t_atom *const end = argv + argc, *const end_of_texts = std::find_if_not(argv, end, is_text);
+    while (argv < end_of_texts) {
+        const t_atom *const next = argv + std::min<ptrdiff_t>(end_of_texts - argv, piece.size() - 1);
+        atom_setlong(piece.data(), end - next);
+        const t_atom *const end_of_piece = std::copy(argv, next, piece.begin() + 1);
+        defer_low(box, (method)tessaroll_dorestorepiece, gensym("restoreitems"), (short)(end_of_piece - piece.data()),
+                  piece.data());
+        argv = next;
     }
+}
+
+void tessaroll_deferrestore(t_tessaroll *box, long argc, t_atom *argv) {
+    if (argc > std::numeric_limits<short>::max())
+        defer_pieces(box, argc, argv); // defer_low counts in 16 bits
+    else
+        defer_low(box, (method)tessaroll_dorestoreitems, gensym("restoreitems"), (short)argc, argv);
 }
 
 void tessaroll_restoreitem(t_tessaroll *box, t_symbol *text) {
@@ -80,17 +91,26 @@ void tessaroll_restoreitem(t_tessaroll *box, t_symbol *text) {
     defer_append(box, &item);
 }
 
-// The number in the message is that of the items left, this one among them, on purpose.
-void tessaroll_restoreitems(t_tessaroll *box, t_symbol *, long argc, t_atom *argv) {
-    for (; argc > 0 && argv && atom_gettype(argv) == A_SYM; argc--, argv++) {
+// The number in the message is that of the atoms left, this one and the `after` that follow among them: it counts
+// down (docs/compatibility.md).
+static void restore_items(t_tessaroll *box, long argc, t_atom *argv, long after) {
+    for (; argc > 0 && argv && is_text(*argv); argc--, argv++) {
         if (too_long(atom_getsym(argv)))
-            object_error((t_object *)box, "item %ld to restore > %ld characters", argc, longest_text);
+            object_error((t_object *)box, "item %ld to restore > %ld characters", argc + after, longest_text);
         defer_append(box, argv);
     }
 }
 
-void tessaroll_dorestoreitems(t_tessaroll *box, t_symbol *message, short argc, t_atom *argv) {
-    tessaroll_restoreitems(box, message, argc, argv);
+void tessaroll_restoreitems(t_tessaroll *box, t_symbol *, long argc, t_atom *argv) {
+    restore_items(box, argc, argv, 0);
+}
+
+void tessaroll_dorestoreitems(t_tessaroll *box, t_symbol *, short argc, t_atom *argv) {
+    restore_items(box, argc, argv, 0);
+}
+
+void tessaroll_dorestorepiece(t_tessaroll *box, t_symbol *, short argc, t_atom *argv) {
+    restore_items(box, argc - 1, argv + 1, (long)atom_getlong(argv));
 }
 
 void tessaroll_restore(t_tessaroll *box, t_atom_long size, t_atom_long font_number) {

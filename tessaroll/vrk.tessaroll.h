@@ -83,14 +83,16 @@ void tessaroll_markchanged(t_tessaroll *box);
 // "embed" is off or there is no data.
 void tessaroll_save(t_tessaroll *box, t_dictionary *dictionary);
 
-// Queues the restoring of saved items.
+// Queues the restoring of saved items, however many.
 void tessaroll_deferrestore(t_tessaroll *box, long argc, t_atom *argv);
 
 // Append items without marking the patcher changed. Texts of more than 2048 bytes are reported; "restoreitem" drops
-// them and "restoreitems" keeps them, on purpose. "restoreitems" ends at the first atom that is no symbol.
+// them and "restoreitems", through which saved items come, keeps them. "restoreitems" ends at the first atom that is
+// not a symbol. …dorestorepiece restores a piece of many saved items; argv[0] is the number of atoms after the piece.
 void tessaroll_restoreitem(t_tessaroll *box, t_symbol *text);
 void tessaroll_restoreitems(t_tessaroll *box, t_symbol *message, long argc, t_atom *argv);
 void tessaroll_dorestoreitems(t_tessaroll *box, t_symbol *message, short argc, t_atom *argv);
+void tessaroll_dorestorepiece(t_tessaroll *box, t_symbol *message, short argc, t_atom *argv);
 
 // Sets the font; -1 leaves the size or the face alone.
 void tessaroll_restore(t_tessaroll *box, t_atom_long size, t_atom_long font_number);

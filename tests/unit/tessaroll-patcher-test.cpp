@@ -190,6 +190,23 @@ TEST_F(TessarollTest, SavedTextsOfMoreThan2048BytesAreToldAndKept) {
     EXPECT_EQ(items(box), texts);
 }
 
+TEST_F(TessarollTest, TheNumberOfItemsLeftCountsOverAllPiecesOfARestore) {
+    Lines texts = numbered_texts(32770);
+    for (const size_t row : {1u, 1023u, 1024u, 1025u})
+        texts[row - 1] = std::string(2049, 'x');
+    std::vector<t_atom> atoms = symbols(texts);
+    atom_setlong(&atoms[1030], 0); // ends the restoring, so that the test is short
+    const OwnedDictionary dictionary = empty_dictionary();
+    enter(dictionary.get(), "restoreitems", atoms);
+    t_object *box = make(dictionary);
+    drain_queue();
+    EXPECT_EQ(take_lines(), (Lines{"error: obj-1: item 32770 to restore > 2048 characters",
+                                   "error: obj-1: item 31748 to restore > 2048 characters",
+                                   "error: obj-1: item 31747 to restore > 2048 characters",
+                                   "error: obj-1: item 31746 to restore > 2048 characters"}));
+    EXPECT_EQ(items(box), Lines(texts.begin(), texts.begin() + 1030));
+}
+
 TEST_F(TessarollTest, RestoreSetsTheFontAndLeavesAloneWhatIsMinusOne) {
     const struct {
         const char *message;
