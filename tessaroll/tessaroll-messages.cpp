@@ -92,9 +92,10 @@ void tessaroll_delete(t_tessaroll *box, t_atom_long number) {
 }
 
 void tessaroll_dodelete(t_tessaroll *box) {
-    if (jlist_delete(box->jlist))
+    const short result = jlist_delete(box->jlist);
+    if (result == JLIST_TOO_FEW_ROWS)
         tessaroll_clear(box);
-    else
+    else if (result == JLIST_DELETED)
         tessaroll_markchanged(box);
 }
 

@@ -327,7 +327,9 @@ short jlist_delete(t_jlist *list) {
     }
     if (result == edit_result::no_memory)
         object_error(list->owner, "out of memory: the item is not deleted");
-    return result == edit_result::too_few_rows;
+    if (result == edit_result::too_few_rows)
+        return JLIST_TOO_FEW_ROWS;
+    return result == edit_result::done ? JLIST_DELETED : JLIST_NOT_DELETED;
 }
 
 // ---- the view

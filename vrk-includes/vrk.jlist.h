@@ -90,9 +90,12 @@ void jlist_append(t_jlist *list, t_symbol *mode, void *item, short argc, t_atom 
 // Notes the 0-based row that the next jlist_delete removes. Any thread.
 void jlist_setdelete(t_jlist *list, long index);
 
-// Removes the noted row; the row that takes its place, or else the last one, becomes current. Main thread. 1, and
-// nothing changed, when the list has fewer than two rows or no data: the caller then clears it. Otherwise 0: the row is
-// gone, or there was no such row, or memory ran out (an error is posted), and then the list is as it was.
+// What jlist_delete did.
+inline constexpr short JLIST_DELETED = 0, JLIST_TOO_FEW_ROWS = 1, JLIST_NOT_DELETED = 2;
+
+// Removes the noted row; the row that takes its place, or else the last one, becomes current: JLIST_DELETED. Nothing
+// changes when the list has fewer than two rows or no data (JLIST_TOO_FEW_ROWS: the caller then clears it), nor when
+// there is no such row or memory runs out (JLIST_NOT_DELETED; for memory an error is posted). Main thread.
 short jlist_delete(t_jlist *list);
 
 // ---- the view; main thread

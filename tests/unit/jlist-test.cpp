@@ -462,7 +462,7 @@ TEST_F(JlistTest, DeletingOutsideTheListChangesNothing) {
     trace_calls(trace_view);
     for (const long index : {-1L, 3L, 99L, most, least}) {
         jlist_setdelete(list, index);
-        EXPECT_EQ(jlist_delete(list), 0) << index;
+        EXPECT_EQ(jlist_delete(list), JLIST_NOT_DELETED) << index;
         EXPECT_EQ(texts(), (Lines{"a", "b", "c"})) << index;
         EXPECT_EQ(rows(), "current 2, selected 2 of 3") << index;
     }
