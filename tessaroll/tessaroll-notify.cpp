@@ -19,7 +19,7 @@ static void follow_attribute(t_tessaroll *box, const t_symbol *attribute) {
 t_max_err tessaroll_notify(t_tessaroll *box, t_symbol *sender_name, t_symbol *message, void *sender, void *data) {
     if (message == _sym_attr_modified) {
         if (jlist_hasdataview(box->jlist))
-            follow_attribute(box, (t_symbol *)object_method((t_object *)data, gensym("getname")));
+            follow_attribute(box, (t_symbol *)object_method((t_object *)data, _sym_getname));
         jbox_redraw(&box->box);
     }
     return jbox_notify(&box->box, sender_name, message, sender, data);

@@ -126,8 +126,9 @@ static t_object *make_attribute(const attribute_row &row) {
     return attr_offset_new(row.name, type, ATTR_FLAGS_NONE, nullptr, nullptr, (long)row.offset);
 }
 
-static void set_accessors(t_object *attribute, const accessor_row *row) {
-    if (!row)
+static void set_accessors(t_class *c, const char *attribute_name, const accessor_row *row) {
+    t_object *attribute = row ? (t_object *)class_attr_get(c, gensym(attribute_name)) : nullptr;
+    if (!attribute)
         return;
     object_method(attribute, gensym("setmethod"), gensym("get"), row->get);
     object_method(attribute, gensym("setmethod"), gensym("set"), row->set);
@@ -145,11 +146,11 @@ static void add_attribute(t_class *c, const attribute_row &row) {
     t_object *attribute = make_attribute(row);
     if (!attribute || class_addattr(c, attribute))
         return;
-    set_accessors(attribute, row.stock_accessors);
+    set_accessors(c, row.name, row.stock_accessors);
     for (const property_row &property : row.properties)
         if (property.name)
             add_property(c, row.name, property);
-    set_accessors(attribute, row.accessors);
+    set_accessors(c, row.name, row.accessors);
 }
 
 // ---- entry
@@ -188,20 +189,34 @@ C74_EXPORT int main(void) {
 
 // ---- the life of a box
 
-// What "#X" is bound to, read and written whole.
-static std::atomic<t_object *> &bound_box() {
-    static_assert(sizeof(std::atomic<t_object *>) == sizeof(t_object *) &&
-                  std::atomic<t_object *>::is_always_lock_free);
-    return reinterpret_cast<std::atomic<t_object *> &>(bindMeBaby->s_thing);
+// The box that "#X" was bound to last, and whether it is alive: freeing it leaves the binding. Main thread.
+static t_object *bound_last;
+static bool bound_last_lives;
+
+static void note_bound(t_object *box) {
+    bound_last = box;
+    bound_last_lives = true;
 }
 
-void tessaroll_bind(t_object *box) { bound_box() = box; }
+t_object *tessaroll_bind(t_object *box) {
+#ifdef __cpp_lib_atomic_ref
+    return std::atomic_ref(bindMeBaby->s_thing).exchange(box);
+#else // libc++ before its version 19
+    return __atomic_exchange_n(&bindMeBaby->s_thing, box, __ATOMIC_SEQ_CST);
+#endif
+}
 
-// The parts that are the box's own. A box works without a document holder: it only cannot read.
+// Binds "#X" to a new box. The result is the living object that it was bound to, or null.
+static t_object *take_binding(t_object *box) {
+    t_object *const superseded = tessaroll_bind(box);
+    const bool is_freed = superseded == bound_last && !bound_last_lives;
+    note_bound(box);
+    return is_freed ? nullptr : superseded;
+}
+
+// The parts that are the box's own.
 static bool make_parts(t_tessaroll *box) {
     t_object *owner = (t_object *)box;
-    box->xmlfile = jxmlfile_new(owner);
-    tessaroll_bind(owner);
     box->read_qelem = qelem_new(box, (method)tessaroll_doread);
     box->delete_qelem = qelem_new(box, (method)tessaroll_dodelete);
     box->read_name = nullptr;
@@ -236,10 +251,11 @@ static bool make_contents(t_tessaroll *box, t_dictionary *dictionary) {
     return jlist_hasdataview(box->jlist);
 }
 
-// Takes a box down that could not be finished. Nothing may be bound to it any more.
-static void discard(t_tessaroll *box) {
-    t_object *itself = (t_object *)box;
-    bound_box().compare_exchange_strong(itself, nullptr);
+// Takes a box down that could not be finished, and gives "#X" back to whom it was bound to: a box that is not there
+// ends nobody's restoring.
+static void discard(t_tessaroll *box, t_object *superseded) {
+    tessaroll_bind(superseded);
+    note_bound(superseded);
     object_free(box);
 }
 
@@ -248,8 +264,10 @@ void *tessaroll_new(t_symbol *, long argc, t_atom *argv) {
     t_tessaroll *box = dictionary ? (t_tessaroll *)object_alloc(tessaroll_class) : nullptr;
     if (!box)
         return nullptr;
+    box->xmlfile = jxmlfile_new((t_object *)box); // without it the box works, but cannot read
+    t_object *const superseded = take_binding((t_object *)box);
     if (!make_parts(box) || !make_box(box, argc, argv) || !make_contents(box, dictionary)) {
-        discard(box);
+        discard(box, superseded);
         return nullptr;
     }
     attr_dictionary_process(box, dictionary);
@@ -257,8 +275,10 @@ void *tessaroll_new(t_symbol *, long argc, t_atom *argv) {
     return box;
 }
 
-// Also of a box that is only half made. A binding of "#X" stays, on purpose.
+// Also of a box that is only half made. A binding of "#X" stays (docs/compatibility.md).
 void tessaroll_free(t_tessaroll *box) {
+    if (bound_last == (t_object *)box)
+        bound_last_lives = false;
     if (box->box.b_firstin)
         jbox_free(&box->box);
     if (box->xmlfile)

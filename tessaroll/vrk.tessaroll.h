@@ -30,9 +30,9 @@ extern t_class *tessaroll_class;
 extern t_symbol *bindMeBaby;  // "#X": bound to the box made last until its "done"
 extern t_symbol *mycolumname; // the class's name: the column of the data view, and the mark of a list of texts
 
-// Binds "#X" to a box, to none with null, whichever thread asks. Without the critical region: one word is no state to
-// be held together.
-void tessaroll_bind(t_object *box);
+// Binds "#X" to a box, to none with null; the result is what it was bound to. Any thread: the word is exchanged whole,
+// without the critical region.
+t_object *tessaroll_bind(t_object *box);
 
 // ---- life (vrk.tessaroll.cpp)
 

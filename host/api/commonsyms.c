@@ -8,5 +8,6 @@ t_common_symbols_table *_common_symbols;
 void common_symbols_init(void) {
     static t_common_symbols_table table;
     table.s_attr_modified = gensym("attr_modified");
+    table.s_getname = gensym("getname");
     _common_symbols = &table;
 }

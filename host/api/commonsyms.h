@@ -10,6 +10,7 @@ extern "C" {
 
 typedef struct _common_symbols_table {
     t_symbol *s_attr_modified;
+    t_symbol *s_getname;
 } t_common_symbols_table;
 
 extern t_common_symbols_table *_common_symbols;
@@ -18,6 +19,7 @@ extern t_common_symbols_table *_common_symbols;
 void common_symbols_init(void);
 
 #define _sym_attr_modified (_common_symbols->s_attr_modified)
+#define _sym_getname (_common_symbols->s_getname)
 
 #ifdef __cplusplus
 }

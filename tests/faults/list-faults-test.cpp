@@ -129,6 +129,7 @@ TEST_F(ListFaults, MakingAndFreeing) {
     OwnedDictionary saved;
     std::vector<t_atom> items = parse_atoms("one two three");
     t_atom argument;
+    t_object *waiting = nullptr; // an older box that has not had its "done"
     sweep(
         "make",
         [&] {
@@ -136,6 +137,7 @@ TEST_F(ListFaults, MakingAndFreeing) {
             dictionary_appendatoms(saved.get(), gensym("restoreitems"), 3, items.data());
             atom_setobj(&argument, saved.get());
             patcher = new_patcher(), box = nullptr;
+            waiting = new_list_box(patcher);
         },
         [&] {
             t_object *&filled = gensym("#P")->s_thing; // as when a patcher makes it
@@ -145,9 +147,10 @@ TEST_F(ListFaults, MakingAndFreeing) {
             filled = nullptr;
             drain_queue();
         },
-        [this](bool failed) {
+        [&](bool failed) {
             drain_queue();
             EXPECT_TRUE(box || failed);
+            EXPECT_EQ(gensym("#X")->s_thing, box ? nullptr : waiting);
             if (!box)
                 return;
             const Lines now = this->items();

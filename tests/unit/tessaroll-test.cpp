@@ -298,15 +298,35 @@ TEST_F(TessarollTest, ABoxThatCannotBeMadeLeavesNothingBehind) {
         });
 }
 
-TEST_F(TessarollTest, NothingStaysBoundToABoxThatCouldNotBeMade) {
-    make();
-    fail_nth_allocation(3); // that of the list
-    EXPECT_EQ(make(), nullptr);
+TEST_F(TessarollTest, ABoxThatCouldNotBeMadeGivesTheBindingBack) {
+    t_object *waiting = make();
+    for (const long n : {1, 3}) { // that of the box itself, which never comes to be bound, and that of the list
+        fail_nth_allocation(n);
+        EXPECT_EQ(make(), nullptr);
+        EXPECT_EQ(bound(), waiting) << n;
+    }
+    EXPECT_TRUE(send_to_receiver(gensym("#X"), parse_atoms("restoreitem a")));
+    drain_queue();
+    EXPECT_EQ(items(waiting), (Lines{"a"}));
+}
+
+TEST_F(TessarollTest, TheBindingIsNotGivenBackToABoxThatIsGone) {
+    const auto fail_to_make = [this] {
+        fail_nth_allocation(3); // that of the list
+        EXPECT_EQ(make(), nullptr);
+    };
+    fail_to_make();
+    EXPECT_EQ(bound(), nullptr) << "nothing was bound";
+    free_box(make());
+    fail_to_make();
     EXPECT_EQ(bound(), nullptr);
-    t_object *whole = make();
-    fail_nth_allocation(1); // that of the box itself
-    EXPECT_EQ(make(), nullptr);
-    EXPECT_EQ(bound(), whole) << "it never came to be bound";
+    t_object *waiting = make();
+    fail_to_make();
+    fail_to_make();
+    EXPECT_EQ(bound(), waiting);
+    free_box(waiting);
+    fail_to_make();
+    EXPECT_EQ(bound(), nullptr);
 }
 
 TEST_F(TessarollTest, ABoxWorksWithoutADocumentHolder) {
