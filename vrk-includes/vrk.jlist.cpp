@@ -594,9 +594,10 @@ short jlist_load_from_xml(t_jlist *list, t_jxmlfile *holder, t_symbol *filename)
     jlist_clear(list);
     t_atom path[resource_words];
     set_resource_path(path, holder);
-    short count = 0;
-    if (jxmlfile_count(holder, type_words, path, &count, 1)) {
-        object_error(list->owner, "cannot count resources of type %s", atom_getsym(path + 2)->s_name);
+    long count = 0;
+    if (jxmlfile_count_all(holder, type_words, path, &count) || count > SHRT_MAX) {
+        object_error(list->owner, "cannot count resources of type %s%s", atom_getsym(path + 2)->s_name,
+                     count > SHRT_MAX ? " (more than 32767)" : "");
         return 0;
     }
     row_arrays arrays = announce_rows(list, count);

@@ -75,7 +75,15 @@ static bool is_ready_for_menus(const t_jxmlfile *holder) {
 
 // ---- resources
 
-long jxmlresfile_count_resource(t_jxmlfile *holder, t_symbol *type, long *count, char verbose) {
+// What follows a line about a count that failed: why, when the path has selected that many nodes.
+static const char *reason_of_failure(long counted) { return counted > SHRT_MAX ? " (more than 32767)" : ""; }
+
+// Counts what the path selects. False when that fails or is more than 16 bits count.
+static bool count_nodes(t_jxmlfile *holder, path_atoms &path, const t_atom *end, long *count) {
+    return jxmlfile_count_all(holder, end - path.data(), path.data(), count) == 0 && *count <= SHRT_MAX;
+}
+
+long jxmlresfile_count_resource(t_jxmlfile *holder, t_symbol *type, long *count, char) {
     if (!is_ready(holder))
         return -1;
     path_atoms path;
@@ -84,9 +92,9 @@ long jxmlresfile_count_resource(t_jxmlfile *holder, t_symbol *type, long *count,
     append(end, holder->xmlpath[0]);
     if (type != gensym("types"))
         append(end, type);
-    short counted = 0;
-    if (jxmlfile_count(holder, end - path.data(), path.data(), &counted, verbose) != 0) {
-        object_error(holder->owner, "cannot count resources of type %s", type->s_name);
+    long counted = 0;
+    if (!count_nodes(holder, path, end, &counted)) {
+        object_error(holder->owner, "cannot count resources of type %s%s", type->s_name, reason_of_failure(counted));
         return -1;
     }
     *count = counted;
@@ -100,18 +108,18 @@ long jxmlresfile_get_resource(t_jxmlfile *holder, t_symbol *type, long number, t
     path_atoms path;
     const t_atom *end = numbered_path(holder, type, number, path);
     if (jxmlfile_get(holder, end - path.data(), path.data(), value_kind, count, result, verbose) == 0 || !verbose)
-        return 0; // meant: a quiet caller looks at *count and *result
+        return 0; // a quiet caller looks at *count and *result
     object_error(holder->owner, "cannot get resource %s number %ld", type->s_name, number);
     return -1;
 }
 
-// Whether "set" would take one of the path's first words for the keyword that ends it, and write into the wrong
-// element.
-static bool hides_keyword(const path_atoms &path) {
+// The first of the path's words that "set" would take for the keyword that ends it, to write into the wrong element;
+// null when there is none.
+static const t_symbol *hiding_keyword(const path_atoms &path) {
     for (size_t i = 0; i < 3; ++i)
         if (const t_symbol *word = atom_getsym(&path[i]); word == symbols().text || word == symbols().cdata)
-            return true;
-    return false;
+            return word;
+    return nullptr;
 }
 
 long jxmlresfile_set_resource(t_jxmlfile *holder, t_symbol *type, long number, t_atom *value, char as_cdata,
@@ -123,14 +131,18 @@ long jxmlresfile_set_resource(t_jxmlfile *holder, t_symbol *type, long number, t
     t_atom *end = numbered_path(holder, type, number, path);
     append(end, as_cdata ? symbols().cdata : symbols().text);
     *end++ = *value;
-    long failure = -1;
-    if (!hides_keyword(path)) {
+    const t_symbol *const keyword = hiding_keyword(path);
+    if (!keyword)
         (void)block.release(); // jxmlfile_set takes it
-        failure = jxmlfile_set(holder, end - path.data(), path.data(), verbose);
-    }
-    if (failure == 0 || !verbose)
+    if (!keyword && jxmlfile_set(holder, end - path.data(), path.data(), verbose) == 0)
         return 0;
-    object_error(holder->owner, "cannot set resource %s number %ld", type->s_name, number);
+    if (!verbose)
+        return 0;
+    if (keyword)
+        object_error(holder->owner, "cannot set resource %s number %ld (\"%s\" ends a path)", type->s_name, number,
+                     keyword->s_name);
+    else
+        object_error(holder->owner, "cannot set resource %s number %ld", type->s_name, number);
     return -1;
 }
 
@@ -149,17 +161,18 @@ long jxmlresfile_get_menutitle(t_jxmlfile *holder, long menu, t_symbol *value_ki
     return -1;
 }
 
-long jxmlresfile_count_menuitems(t_jxmlfile *holder, long menu, long *count, char verbose) {
+long jxmlresfile_count_menuitems(t_jxmlfile *holder, long menu, long *count, char) {
     if (!is_ready_for_menus(holder))
         return -1;
     path_atoms path;
     t_atom *end = numbered_path(holder, gensym("menu"), menu, path);
     append(end, "menu-item");
-    short counted = 0;
-    if (jxmlfile_count(holder, end - path.data(), path.data(), &counted, verbose) != 0) {
-        wchar_t number[24]; // the message has always asked for a wide text
+    long counted = 0;
+    if (!count_nodes(holder, path, end, &counted)) {
+        wchar_t number[24]; // the format asks for a wide text
         std::swprintf(number, std::size(number), L"%ld", menu);
-        object_error(holder->owner, "cannot count menu-items of %s %ls", holder->xmlpath[1]->s_name, number);
+        object_error(holder->owner, "cannot count menu-items of %s %ls%s", holder->xmlpath[1]->s_name, number,
+                     reason_of_failure(counted));
         return -1;
     }
     *count = counted;

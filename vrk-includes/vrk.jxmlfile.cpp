@@ -800,17 +800,27 @@ static long get_node_to_change(t_jxmlfile *holder, long *argc, t_atom **argv, xm
     return failure || can_be_changed(holder, *out) ? failure : -1;
 }
 
-long jxmlfile_count(t_jxmlfile *holder, long argc, t_atom *argv, short *count, char) {
+long jxmlfile_count_all(t_jxmlfile *holder, long argc, t_atom *argv, long *count) {
     if (const long refusal = availability(holder))
         return refusal;
     selection selected;
     if (const long failure = select_path(holder, &argc, &argv, &selected))
         return failure;
-    if (!selected.is_nodeset || !count)
+    if (!selected.is_nodeset)
         return -2;
-    if (selected.nodes.count > SHRT_MAX)
+    *count = selected.nodes.count;
+    return 0;
+}
+
+long jxmlfile_count(t_jxmlfile *holder, long argc, t_atom *argv, short *count, char) {
+    long all = 0;
+    if (const long failure = jxmlfile_count_all(holder, argc, argv, &all))
+        return failure;
+    if (!count)
+        return -2;
+    if (all > SHRT_MAX)
         return -1;
-    *count = static_cast<short>(selected.nodes.count);
+    *count = static_cast<short>(all);
     return 0;
 }
 

@@ -148,7 +148,8 @@ long jxmlfile_setattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbose)
 long jxmlfile_delete(t_jxmlfile *holder, long argc, t_atom *argv, char verbose);
 long jxmlfile_deleteattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbose);
 
-// How many nodes the path selects. More than 32767 cannot be told: -1, and *count is left alone, without a word.
+// How many nodes the path selects. …count cannot tell of more than 32767: -1, and *count is left alone, without a word.
+long jxmlfile_count_all(t_jxmlfile *holder, long argc, t_atom *argv, long *count);
 long jxmlfile_count(t_jxmlfile *holder, long argc, t_atom *argv, short *count, char verbose);
 
 // ---- text editor and printing

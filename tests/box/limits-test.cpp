@@ -28,7 +28,7 @@ TEST_F(Program, RefusesToCountMoreThan32767Items) {
         write_file(current() / "big.xml", resource_file(count));
         EXPECT_EQ(transcript_of(NEW_LIST + "list append old\nlist read big.xml\nlist length\nlist bang\nlist dump\n"
                                            "list append new\nlist bang\n"),
-                  "error: list: cannot count resources of type string\n"
+                  "error: list: cannot count resources of type string (more than 32767)\n"
                   "list:1 0\n"
                   "list:2 new\nlist:1 1\nlist:0 1\n")
             << count;

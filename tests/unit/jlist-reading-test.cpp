@@ -205,7 +205,7 @@ TEST_F(JlistFilesTest, AnExpressionThatIsNoneCannotBeCounted) {
 
 TEST_F(JlistFilesTest, MoreResourcesThanSixteenBitsCountAreRefused) {
     EXPECT_EQ(load_resources(numbered_elements(32768)), 0);
-    EXPECT_EQ(take_lines(), (Lines{"error: owner: cannot count resources of type string"}));
+    EXPECT_EQ(take_lines(), (Lines{"error: owner: cannot count resources of type string (more than 32767)"}));
     EXPECT_EQ(jlist_hasdata(list), 0);
     EXPECT_EQ(rows(), "current 0, selected 0 of 0");
 }

@@ -155,7 +155,7 @@ TEST_F(ResourceTest, MoreResourcesThanCanBeToldAreNotCounted) {
         all += "<s/>";
     load("<resourcefile><resource>" + all + "</resource></resourcefile>");
     EXPECT_EQ(count_of("s"), "failed -1");
-    EXPECT_EQ(take_lines(), (Lines{error("cannot count resources of type s")}));
+    EXPECT_EQ(take_lines(), (Lines{error("cannot count resources of type s (more than 32767)")}));
 }
 
 TEST_F(ResourceTest, AResourceIsWrittenAndMadeWhenItIsMissing) {
@@ -201,7 +201,10 @@ TEST_F(ResourceTest, AWordThatEndsPathsCannotBeWrittenTo) {
     load("<resourcefile><resource>kept</resource></resourcefile>");
     for (const char *type : {"text", "cdata"}) {
         EXPECT_EQ(set_resource(type, 1, symbol_atom("x")), -1);
-        EXPECT_EQ(take_lines(), (Lines{error("cannot set resource " + std::string(type) + " number 1")}));
+        EXPECT_EQ(take_lines(), (Lines{error("cannot set resource " + std::string(type) + " number 1 (\"" +
+                                             std::string(type) + "\" ends a path)")}));
+        EXPECT_EQ(set_resource(type, 1, symbol_atom("x"), 0, 0), 0);
+        EXPECT_EQ(take_lines(), no_lines) << "a quiet caller is told nothing";
     }
     EXPECT_EQ(document(), "<resourcefile><resource>kept</resource></resourcefile>");
 }
@@ -367,6 +370,15 @@ TEST_F(ResourceTest, ItemsThatCannotBeCountedAreReportedWithTheMenusNumber) {
                                              number + "]/menu-item\""),
                                        error("cannot count menu-items of long " + number)}));
     }
+}
+
+TEST_F(ResourceTest, MoreItemsThanCanBeToldAreNotCounted) {
+    std::string all;
+    for (int i = 0; i < 32768; ++i)
+        all += "<menu-item/>";
+    load("<resourcefile><resource><menu number='1'>" + all + "</menu></resource></resourcefile>");
+    EXPECT_EQ(items(1, 0), "failed -1");
+    EXPECT_EQ(take_lines(), (Lines{error("cannot count menu-items of long 1 (more than 32767)")}));
 }
 
 TEST_F(ResourceTest, MenusAskForBothWordsOfThePath) {

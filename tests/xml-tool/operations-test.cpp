@@ -303,7 +303,7 @@ TEST_F(XmlOperations, ResourcesTellWhyTheyCannot) {
     expect_refused("f.xml set-resource string x", "set-resource: x is no whole number");
     expect_refused(words("f.xml set-resource string 0", {"\x01"}),
                    "text cannot be held by xml (byte 1)\ncannot set resource string number 0");
-    expect_refused("f.xml set-resource text 0 x", "cannot set resource text number 0");
+    expect_refused("f.xml set-resource text 0 x", "cannot set resource text number 0 (\"text\" ends a path)");
     expect_refused("f.xml set-resource string 0 x --root other", "set-resource: the root element is not other");
     expect_refused("f.xml set-resource string 0 x --xmlpath resource[2] long",
                    "set-resource: there is no resource[2], and positions cannot be made");
