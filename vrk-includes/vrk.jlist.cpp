@@ -1,5 +1,6 @@
 // The list model: rows with a current row, the data view that shows them, and their reading from XML.
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -336,7 +337,8 @@ short jlist_delete(t_jlist *list) {
 
 // Truncated toward zero. What a damaged patcher holds instead of a measure is bounded: its cast would be undefined.
 static long whole_pixels(double measure) {
-    return measure > 0.0 ? (long)std::min(measure, (double)std::numeric_limits<int>::max()) : 0;
+    using limits = std::numeric_limits<int>;
+    return std::isnan(measure) ? 0 : (long)std::clamp<double>(measure, limits::min(), limits::max());
 }
 
 static long row_height(double font_size) { return whole_pixels(font_size * 1.2); }
@@ -439,14 +441,21 @@ void jlist_custompaint_gensym_cell(t_jlist *list, t_jgraphics *g, t_symbol *, lo
     jgraphics_show_text(g, text);
 }
 
+// A reference to the image of a row, which may be taken out while the image is in use; null when there is none.
+static image_surface share_image(t_jlist *list, long row) {
+    critical_section hold;
+    t_jsurface *image = (t_jsurface *)jlist_getdata(list, row);
+    return image_surface(image ? jgraphics_surface_reference(image) : nullptr);
+}
+
 void jlist_custompaint_surface_cell(t_jlist *list, t_jgraphics *g, t_symbol *, long row, double width, double height,
                                     char) {
-    critical_section hold; // the image lives as long as its row
-    t_jsurface *image = (t_jsurface *)jlist_getdata(list, row);
+    const image_surface image = share_image(list, row);
     if (!image)
         return;
-    const double w = jgraphics_image_surface_get_width(image), h = jgraphics_image_surface_get_height(image);
-    jgraphics_image_surface_draw(g, image, {0.0, 0.0, w, h}, {(width - w) / 2.0, (height - h) / 2.0, w, h});
+    const double w = jgraphics_image_surface_get_width(image.get()),
+                 h = jgraphics_image_surface_get_height(image.get());
+    jgraphics_image_surface_draw(g, image.get(), {0.0, 0.0, w, h}, {(width - w) / 2.0, (height - h) / 2.0, w, h});
 }
 
 // ---- attribute accessors; a patch may set them on the scheduler thread while a cell is painted

@@ -101,8 +101,7 @@ void jgraphics_image_surface_draw(t_jgraphics *g, t_jsurface *s, t_rect srcRect,
         return;
     guarded("jgraphics_image_surface_draw", [&] {
         DrawRecord drawn = record(*g, DrawRecord::Kind::image, destRect);
-        ++surface->references;
-        drawn.image = std::shared_ptr<t_jsurface>(surface, SurfaceReleaser());
+        drawn.image = std::shared_ptr<t_jsurface>(jgraphics_surface_reference(surface), SurfaceReleaser());
         drawn.source = srcRect;
         g->drawn.push_back(std::move(drawn));
     });

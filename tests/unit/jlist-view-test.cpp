@@ -1,4 +1,7 @@
 // The view of a list: what it is told, clicks, painting, fonts and attributes.
+#include <algorithm>
+#include <cmath>
+
 #include "support/jlist-test.h"
 
 using namespace maxhost;
@@ -72,6 +75,38 @@ TEST_F(JlistTest, RowsAreOneFifthHigherThanTheFontInWholePixels) {
         jlist_setfontsize(list, size);
         EXPECT_EQ(view().row_height, height) << size;
         EXPECT_EQ(view().font_size, size);
+    }
+}
+
+TEST_F(JlistTest, MeasuresAreTruncatedTowardZeroAndBounded) {
+    trace_calls(trace_view);
+    const struct {
+        double height;
+        const char *pixels;
+    } cases[] = {
+        {20.9, "20"},       {0.9, "0"}, {-0.9, "0"}, {-6.9, "-6"}, {1e300, "2147483647"}, {-1e300, "-2147483648"},
+        {std::nan(""), "0"}};
+    for (const auto &[height, pixels] : cases) {
+        jlist_setcellv(list, height);
+        EXPECT_EQ(take_lines(), (Lines{std::string("trace: jdataview_setheight ") + pixels})) << height;
+    }
+}
+
+TEST_F(JlistTest, AColumnIsSixteenPixelsNarrowerThanItsBoxAlsoBelowZero) {
+    const struct {
+        const char *rect;
+        const char *width;
+    } cases[] = {{"0. 0. 216.9 90.", "200"}, {"0. 0. 16. 90.", "0"}, {"0. 0. 10. 90.", "-6"}, {"0. 0. 0. 90.", "-16"}};
+    for (const auto &[rect, width] : cases) {
+        send_message(owner, parse_atoms(std::string("patching_rect ") + rect));
+        trace_calls(trace_view);
+        use_texts();
+        const Lines calls = take_lines();
+        EXPECT_NE(std::find(calls.begin(), calls.end(), std::string("trace: jcolumn_setwidth ") + width), calls.end())
+            << rect;
+        EXPECT_NE(std::find(calls.begin(), calls.end(), std::string("trace: jcolumn_setmaxwidth ") + width),
+                  calls.end())
+            << rect;
     }
 }
 
@@ -210,6 +245,28 @@ TEST_F(JlistImageTest, ARowWithoutAnImageIsOnlyHighlighted) {
     EXPECT_EQ(described(painted(1)), no_lines);
     EXPECT_EQ(described(painted(2)), (Lines{"fill 0. 0. 104. 10. of 0.05 0.91 0.91 0.3"}));
     EXPECT_EQ(take_lines(), no_lines);
+}
+
+TEST_F(JlistImageTest, AnImageIsInTheMiddleOfAnyCell) {
+    send_message(owner, parse_atoms("patching_rect 0. 0. 216. 90."));
+    use_images();
+    append_item(image_from("forty-by-twenty.png"));
+    EXPECT_EQ(described(painted(1)).at(0), "image from 0. 0. 40. 20. to 80. -5. 40. 20.");
+}
+
+TEST_F(JlistImageTest, TheRegionIsNotHeldWhileAnImageIsDrawn) {
+    append_item(image_from("forty-by-twenty.png"));
+    trace_calls(trace_lock);
+    jlist_custompaint_surface_cell(list, nullptr, gensym("pictures"), 1, 104, 10, 0); // the drawing itself is told
+    int depth = 0;
+    bool drawn = false;
+    for (const std::string &line : take_lines()) {
+        depth += line == "trace: critical_enter 0";
+        depth -= line == "trace: critical_exit 0";
+        if (line.starts_with("misuse: jgraphics_image_surface_draw"))
+            drawn = depth == 0;
+    }
+    EXPECT_TRUE(drawn);
 }
 
 TEST_F(JlistImageTest, APaintedImageOutlivesItsRow) {
