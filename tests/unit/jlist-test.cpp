@@ -472,17 +472,20 @@ TEST_F(JlistTest, DeletingOutsideTheListChangesNothing) {
 // ---- a list with data and without rows
 
 TEST_F(JlistTest, WithoutRowsEverySelectionIsRowOne) {
-    void (*const moves[])(t_jlist *) = {[](t_jlist *x) { jlist_int(x, 5); },
-                                        [](t_jlist *x) { jlist_set(x, -5); },
-                                        jlist_next,
-                                        jlist_previous,
-                                        jlist_home,
-                                        jlist_end};
-    for (const auto move : moves) {
+    const struct {
+        void (*move)(t_jlist *);
+        const char *rows;
+    } cases[] = {{[](t_jlist *x) { jlist_int(x, 5); }, "current 1, selected 1 of 0"},
+                 {[](t_jlist *x) { jlist_set(x, -5); }, "current 1, selected 0 of 0"},
+                 {jlist_next, "current 1, selected 1 of 0"},
+                 {jlist_previous, "current 1, selected 1 of 0"},
+                 {jlist_home, "current 1, selected 1 of 0"},
+                 {jlist_end, "current 1, selected 1 of 0"}};
+    for (const auto &[move, rows_after] : cases) {
         load_no_rows();
-        list->current_row = 0;
+        list->current_row = list->selected_row = 0;
         move(list);
-        EXPECT_EQ(jlist_currow(list), 1);
+        EXPECT_EQ(rows(), rows_after);
         EXPECT_EQ(view().selected, 0);
         EXPECT_EQ(jlist_bang(list), nullptr);
     }

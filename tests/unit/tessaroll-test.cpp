@@ -429,12 +429,16 @@ TEST_F(TessarollTest, AFontGoesToTheViewAndTheBoxIsRedrawn) {
 }
 
 TEST_F(TessarollTest, AnyOtherAttributeOnlyRedraws) {
-    t_object *box = make();
-    trace_calls(trace_view | trace_dirty);
-    for (const char *message : {"cellh 30", "cellv 30", "frame 3", "selectcolor 1. 0. 0. 1.", "root book",
-                                "xmlpath chapter page", "embed 0", "patching_rect 0. 0. 50. 50."}) {
-        send(box, message);
-        EXPECT_EQ(take_lines(), (Lines{"trace: jbox_redraw"})) << message;
+    for (const char *embed : {"0", "1"}) {
+        t_object *box = make({{"embed", embed}});
+        trace_calls(trace_view | trace_dirty);
+        for (const char *message : {"cellh 30", "cellv 30", "frame 3", "selectcolor 1. 0. 0. 1.", "root book",
+                                    "xmlpath chapter page", "patching_rect 0. 0. 50. 50."}) {
+            send(box, message);
+            EXPECT_EQ(take_lines(), (Lines{"trace: jbox_redraw"})) << message << ", embed " << embed;
+        }
+        send(box, "embed 0");
+        EXPECT_EQ(take_lines(), (Lines{"trace: jbox_redraw"}));
     }
 }
 
@@ -486,20 +490,36 @@ TEST_F(TessarollTest, AssistanceFollowsTheOrderOfTheOutlets) {
 // ---- attributes that live elsewhere
 
 TEST_F(TessarollTest, RootAndXmlpathAreThoseOfTheNextRead) {
-    write_file("book.xml", "<?xml version=\"1.0\"?><book><chapter><page number=\"0\">one</page></chapter></book>");
+    write_file("book.xml", "<?xml version=\"1.0\"?><book><chapter><page number=\"0\">one</page>"
+                           "<page number=\"1\">two</page><page number=\"2\">three</page></chapter></book>");
     t_object *box = make();
     EXPECT_EQ(set(box, "root", "book"), 0);
     EXPECT_EQ(set(box, "xmlpath", "chapter page"), 0);
     EXPECT_EQ(attribute(box, "root"), "book");
     EXPECT_EQ(attribute(box, "xmlpath"), "chapter page");
     send_and_drain(box, "read book.xml");
-    EXPECT_EQ(items(box), (Lines{"one"}));
+    EXPECT_EQ(items(box), (Lines{"one", "two", "three"}));
     send_and_drain(box, "write out.xml");
     EXPECT_EQ(read_file("out.xml"), "<?xml version=\"1.0\"?>\n<resourcefile><resource><string number=\"0\">one</string>"
-                                    "</resource></resourcefile>\n")
+                                    "<string number=\"1\">two</string><string number=\"2\">three</string></resource>"
+                                    "</resourcefile>\n")
         << "a file is always written with the names of a new holder";
     EXPECT_EQ(set(box, "root", "5"), -2);
     EXPECT_EQ(attribute(box, "root"), "book");
+}
+
+TEST_F(TessarollTest, TheNamesOfTheDocumentAreReadAndSetInsideTheRegion) {
+    t_object *box = make();
+    trace_calls(trace_lock);
+    const Lines once = {"trace: critical_enter 0", "trace: critical_exit 0"};
+    attribute(box, "root");
+    EXPECT_EQ(take_lines(), once);
+    attribute(box, "xmlpath");
+    EXPECT_EQ(take_lines(), once);
+    set(box, "root", "book");
+    EXPECT_EQ(take_lines(), once);
+    set(box, "xmlpath", "chapter page");
+    EXPECT_EQ(take_lines(), once);
 }
 
 // ---- clicks and painting
