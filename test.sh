@@ -6,7 +6,8 @@ cd "$(dirname "$0")"
 
 source scripts/install-packages.sh
 source scripts/build.sh
-install_packages "${build_packages[@]}" libgtest-dev xvfb fonts-dejavu-core fonts-wqy-microhei
+install_packages "${build_packages[@]}" libgtest-dev locales xvfb fonts-dejavu-core fonts-wqy-microhei
+source scripts/comma-locale.sh
 build_preset dev
 ctest --preset dev
 build_preset tsan thread-tests soak-tests

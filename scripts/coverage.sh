@@ -7,7 +7,8 @@ cd "$(dirname "$0")/.."
 
 source scripts/install-packages.sh
 source scripts/build.sh
-install_packages "${build_packages[@]}" libgtest-dev gcovr
+install_packages "${build_packages[@]}" libgtest-dev locales gcovr
+source scripts/comma-locale.sh
 build_preset coverage
 find build/coverage -name '*.gcda' -delete # what an earlier run counted
 export GCOV_ERROR_FILE=/dev/null # a program that a test lets write no file says nothing of its counts
