@@ -59,7 +59,7 @@ void tessaroll_bang(t_tessaroll *box);    // item, count, number of the current 
 void tessaroll_sendout(t_tessaroll *box); // item and number, after a click
 void tessaroll_length(t_tessaroll *box);  // count
 void tessaroll_dump(t_tessaroll *box);    // item and number of every item; ends when the receivers nest too deeply
-void tessaroll_preset(t_tessaroll *box);  // to the preset mechanism; of no message, on purpose
+void tessaroll_preset(t_tessaroll *box);  // to the preset mechanism; of no message, so that a preset moves nothing
 
 // ---- editing (tessaroll-messages.cpp); any thread; all but "clear" change the items later, on the main thread
 
@@ -67,7 +67,7 @@ void tessaroll_append(t_tessaroll *box, t_symbol *text);
 void tessaroll_insert(t_tessaroll *box, t_atom_long position, t_symbol *text);
 void tessaroll_replace(t_tessaroll *box, t_atom_long position, t_symbol *text);
 void tessaroll_delete(t_tessaroll *box, t_atom_long number); // of several before it runs, the last one counts
-void tessaroll_erase(t_tessaroll *box);                      // redraws and leaves the items alone, on purpose
+void tessaroll_erase(t_tessaroll *box);                      // redraws alone; the items stay
 void tessaroll_clear(t_tessaroll *box);                      // outputs the count 0
 
 // The main thread's half: argv[0] is the text, argv[1] the position that "insert" and "replace" have.

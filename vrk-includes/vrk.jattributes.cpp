@@ -77,7 +77,7 @@ t_max_err jattributes_jrgba(t_jrgba *field, void *, long argc, t_atom *argv) {
     long index = 0;
     for (double *component : components) {
         if (!has_type(index, A_FLOAT, argc, argv))
-            return MAX_ERR_INVALID_PTR; // what was read before stays, on purpose
+            return MAX_ERR_INVALID_PTR; // what was read before stays: two floats set red and green
         *component = atom_getfloat(argv + index++);
     }
     return MAX_ERR_NONE;

@@ -254,7 +254,7 @@ static edit_result replace_item(t_jlist *list, void *item) {
     const long row = list->edit_index + 1;
     const bool found = has_row(list, row);
     if (found || !list->items)
-        list->current_row = 0; // the redraw goes to row 0: on purpose the row that was current keeps its looks
+        list->current_row = 0; // the redraw goes to row 0 (docs/compatibility.md)
     if (!found)
         return edit_result::no_such_row;
     void *&slot = list->items[row - 1];

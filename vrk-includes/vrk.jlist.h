@@ -63,7 +63,7 @@ void *jlist_bang(t_jlist *list);
 void jlist_int(t_jlist *list, long row);
 
 // Makes a row current, clamped alike, and leaves the view without a selection; nothing when it is current already. The
-// row that was current is not redrawn, on purpose.
+// row that was current is not redrawn (docs/compatibility.md).
 void jlist_set(t_jlist *list, long row);
 
 // jlist_int with the row after or before the current one, the first, the last. They do not wrap.
@@ -101,13 +101,14 @@ short jlist_delete(t_jlist *list);
 // ---- the view; main thread
 
 // Makes the view of the box, with rows for a font of `font_size` points. When it cannot be made the list stays without.
-// The border is as thick as "frame" says now; a later "frame" does not reach the view, on purpose.
+// The border is as thick as "frame" says now; a later "frame" does not reach the view, so that old patchers keep their
+// looks.
 void jlist_initdataview(t_object *box, t_jlist *list, double font_size);
 
 long jlist_hasdataview(t_jlist *list); // 1 or 0
 
 // Nothing without a view. The font of the view; the rows become 1.2 times as high as `size` points, in whole pixels.
-// …setcellv: the height alone.
+// …setcellv: the height alone. Measures are truncated toward zero, here and in the width of the column.
 void jlist_setfontname(t_jlist *list, t_symbol *name);
 void jlist_setfontsize(t_jlist *list, double size);
 void jlist_setcellv(t_jlist *list, double height);
