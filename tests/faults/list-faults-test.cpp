@@ -103,6 +103,15 @@ TEST_F(ListFaults, NavigationAndOutput) {
     sweep_operation("preset", {three}, [this] { tessaroll_preset(reinterpret_cast<t_tessaroll *>(box)); });
 }
 
+TEST_F(ListFaults, ThePresetMechanismGetsTheCurrentRow) {
+    make_with(three);
+    tessaroll_preset(reinterpret_cast<t_tessaroll *>(box));
+    send("3");
+    EXPECT_TRUE(recall_preset(box));
+    EXPECT_EQ(jlist_currow(reinterpret_cast<t_tessaroll *>(box)->jlist), 2);
+    free_patcher(patcher);
+}
+
 TEST_F(ListFaults, Attributes) {
     for (const char *message : {"frame 2", "embed 1", "selectcolor 1. 0. 0. 1.", "root other", "xmlpath a b",
                                 "fontsize 14.", "fontname Times", "patching_rect 0. 0. 50. 50."})
