@@ -18,7 +18,7 @@ TEST_F(JlistFilesTest, EveryRowBecomesANumberedResource) {
     EXPECT_EQ(rows(), "current 3, selected 3 of 3");
 }
 
-TEST_F(JlistFilesTest, WhatIsWrittenIsReadAgain) {
+TEST_F(JlistFilesTest, WhatIsWrittenIsReadAgainButForTheEndsThatReadingTrims) {
     const Lines all = {"<b> & \"c\"",
                        "12",
                        "-1.5",
@@ -38,6 +38,11 @@ TEST_F(JlistFilesTest, WhatIsWrittenIsReadAgain) {
     EXPECT_EQ(load("out.xml"), 1);
     EXPECT_EQ(texts(), all);
     EXPECT_EQ(take_lines(), no_lines);
+
+    fill({" a ", "caf\xC3\xA9", "\xC3\x84rger", "\xE6\x97\xA5\xE6\x9C\xAC"});
+    write("trimmed.xml");
+    EXPECT_EQ(load("trimmed.xml"), 1);
+    EXPECT_EQ(texts(), (Lines{"a", "caf", "rger", ""}));
 }
 
 TEST_F(JlistFilesTest, ATextThatXmlCannotHoldIsToldAndLeavesItsPlaceEmpty) {

@@ -1,4 +1,6 @@
 // What goes in comes out: texts and bytes that are written, saved and read again, and those that XML cannot hold.
+#include <libxml/parserInternals.h>
+
 #include "support/xml-test.h"
 
 using namespace maxhost;
@@ -53,6 +55,12 @@ const std::string texts[] = {
     "-",
 };
 
+void append_utf8(std::string &text, int character) {
+    xmlChar bytes[4];
+    const int length = xmlCopyChar(0, bytes, character);
+    text.append(reinterpret_cast<const char *>(bytes), static_cast<size_t>(length));
+}
+
 } // namespace
 
 // ---- round trips
@@ -81,15 +89,17 @@ TEST_F(XmlTextsTest, EveryAttributeReadsBackAsItWasWritten) {
         EXPECT_EQ(attribute(path(i) + " v"), texts[i]);
 }
 
-TEST_F(XmlTextsTest, EveryCharacterOfXmlReadsBack) {
-    std::string all = ".\t\n\r";
-    for (char c = 0x20; c < 0x7F; ++c)
-        all += c;
+TEST_F(XmlTextsTest, EveryCharacterOfTheBasicPlaneReadsBack) {
+    std::string all = ".\t\n\r"; // begins and ends with what is not trimmed
+    for (int c = 0x20; c < 0xFFFE; ++c)
+        if (c < 0xD800 || c > 0xDFFF)
+            append_utf8(all, c);
+    all += '.';
     ASSERT_EQ(set("a text", data(all)), 0);
     ASSERT_EQ(setattr("a k", data(all)), 0);
     ASSERT_TRUE(reload());
-    EXPECT_EQ(text("a"), all);
-    EXPECT_EQ(attribute("a k"), all);
+    EXPECT_TRUE(text("a") == all); // too long to be shown
+    EXPECT_TRUE(attribute("a k") == all);
 }
 
 TEST_F(XmlTextsTest, EveryByteReadsBackFromABlock) {
