@@ -22,8 +22,7 @@ int overhang(const maxhost::DrawList &list, double zoom) {
 
 void CellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const {
     const auto *model = static_cast<const ListModel *>(index.model());
-    const auto width = static_cast<long>(std::lround(option.rect.width() / zoom_));
-    const maxhost::DrawList list = maxhost::painted_row(model->box(), index.row() + 1, patcher_view_, width);
+    const maxhost::DrawList list = maxhost::painted_row(model->box(), index.row() + 1, patcher_view_, width_);
     const Look look = look_of(option.palette);
     painter->save();
     painter->setClipRect(option.rect.adjusted(0, 0, 0, overhang(list, zoom_)));

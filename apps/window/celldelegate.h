@@ -12,11 +12,16 @@ class CellDelegate : public QStyledItemDelegate {
     // Draws in a patcher view, which outlives the delegate.
     CellDelegate(t_object *patcher_view, QObject *parent) : QStyledItemDelegate(parent), patcher_view_(patcher_view) {}
 
-    void set_zoom(double zoom) { zoom_ = zoom; }
+    // How wide the cells are, in the patcher's pixels, and how large these are shown.
+    void set_cells(long width, double zoom) {
+        width_ = width;
+        zoom_ = zoom;
+    }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
   private:
     t_object *patcher_view_;
+    long width_ = 0;
     double zoom_ = 1;
 };

@@ -12,6 +12,17 @@
 
 using namespace maxhost;
 
+namespace {
+
+constexpr long largest_section = 1'000'000; // Qt takes not much more
+
+// A measure of the patcher as it is shown.
+int zoomed(long measure, double zoom) {
+    return static_cast<int>(std::clamp(std::lround(static_cast<double>(measure) * zoom), 1L, largest_section));
+}
+
+} // namespace
+
 ListView::ListView(t_object *box, t_object *patcher_view, QWidget *parent)
     : QTableView(parent), model_(box), delegate_(patcher_view, this) {
     setItemDelegate(&delegate_);
@@ -25,7 +36,6 @@ ListView::ListView(t_object *box, t_object *patcher_view, QWidget *parent)
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     horizontalHeader()->hide();
-    horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setMinimumSectionSize(1);
     verticalHeader()->hide();
     verticalHeader()->setMinimumSectionSize(1);
@@ -46,12 +56,14 @@ void ListView::refresh(double zoom) {
     ViewState state{};
     data_view_state(model_.box(), state);
     zoom_ = zoom;
-    delegate_.set_zoom(zoom);
-    const int height = std::max(1, static_cast<int>(std::lround(static_cast<double>(state.row_height) * zoom)));
+    delegate_.set_cells(state.column_width, zoom);
+    const int height = zoomed(state.row_height, zoom);
     if (verticalHeader()->defaultSectionSize() != height)
         verticalHeader()->setDefaultSectionSize(height);
     verticalScrollBar()->setSingleStep(height);
-    setVerticalScrollBarPolicy(state.vertical_bar ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    column_width_ = zoomed(state.column_width, zoom);
+    setVerticalScrollBarPolicy(state.vertical_bar ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    fit_column();
     model_.set_rows(state.rows);
     if (state.selected != selected_) {
         selected_ = state.selected;
@@ -61,6 +73,16 @@ void ListView::refresh(double zoom) {
         scrollTo(index);
     }
     viewport()->update();
+}
+
+// A larger view leaves room beside the column, a smaller one shows what fits.
+void ListView::fit_column() {
+    horizontalHeader()->resizeSection(0, std::clamp(column_width_, 1, std::max(1, viewport()->width())));
+}
+
+void ListView::resizeEvent(QResizeEvent *event) {
+    QTableView::resizeEvent(event);
+    fit_column();
 }
 
 void ListView::mousePressEvent(QMouseEvent *event) {

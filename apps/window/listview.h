@@ -21,6 +21,7 @@ class ListView : public QTableView {
     void take_colors();
 
   protected:
+    void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *) override {} // rows are not dragged
     void mouseReleaseEvent(QMouseEvent *) override {}
@@ -28,11 +29,13 @@ class ListView : public QTableView {
     void keyPressEvent(QKeyEvent *event) override;
 
   private:
+    void fit_column();
     int rows_in_a_page() const;
     int row_after(int key, int row, int last) const;
 
     ListModel model_;
     CellDelegate delegate_;
     double zoom_ = 1;
-    long selected_ = 0; // position, as the view was told last
+    int column_width_ = 1; // as it is shown
+    long selected_ = 0;    // position, as the view was told last
 };

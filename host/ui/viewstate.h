@@ -13,7 +13,7 @@ struct ViewState {
     t_symbol *font_name;
     double font_size;
     long border;
-    bool vertical_bar, horizontal_bar; // whether they may be shown
+    bool vertical_bar, horizontal_bar; // whether they are shown
 };
 
 } // namespace maxhost

@@ -59,7 +59,9 @@ class ListTest : public WindowTest {
     void rows_out_of_sight_are_not_painted();
     void font_changes_at_once();
     void zoom_scales_rows();
-    void current_row_is_marked();
+    void cells_are_as_wide_as_their_column_data();
+    void cells_are_as_wide_as_their_column();
+    void scroll_bar_is_shown_though_all_rows_fit();
     void all_scripts_draw_data();
     void all_scripts_draw();
     void many_rows_scroll_to_the_end();
@@ -205,15 +207,41 @@ void ListTest::zoom_scales_rows() {
     QCOMPARE(view().selected, 2);
 }
 
-// The current row is marked over the whole of its width, in the colour that was set.
-void ListTest::current_row_is_marked() {
-    open_boxes(list_box);
-    send("list", "selectcolor 1. 0. 0. 1., " + appends(3));
-    send("list", "2");
+void ListTest::cells_are_as_wide_as_their_column_data() {
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<int>("shown"); // pixels of the column
+    QTest::newRow("as it is made") << "frame 1" << 1.0 << 104;
+    QTest::newRow("in a wider box") << "patching_rect 20 20 320 60" << 1.0 << 104;
+    QTest::newRow("in a narrower box") << "patching_rect 20 20 80 60" << 1.0 << 78 - QScrollBar().sizeHint().width();
+    QTest::newRow("twice as large") << "frame 1" << 2.0 << 208;
+}
+
+// The current row is marked over the whole of its cell, and what is drawn, told and shown is of one width.
+void ListTest::cells_are_as_wide_as_their_column() {
+    QFETCH(QString, message);
+    QFETCH(double, zoom);
+    QFETCH(int, shown);
+    PatcherWindow *window = open_boxes(box_json("list", "vrk.tessaroll", "20, 20, 120, 60"));
+    send("list", "selectcolor 1. 0. 0. 1., " + appends(3) + ", " + message);
+    send("list", "set 2");
+    window->current_canvas()->set_zoom(zoom);
+    QCOMPARE(view().column_width, 104);
+    QCOMPARE(painted_row(box("list"), 2).back().rect.width, 104.);
+    QCOMPARE(list()->visualRect(list()->model()->index(1, 0)).width(), shown);
     const QImage picture = list()->viewport()->grab().toImage();
-    for (int x : {1, picture.width() / 2, picture.width() - 2})
-        QCOMPARE(picture.pixelColor(x, 14 + 5), QColor(255, 0, 0));
-    QCOMPARE(picture.pixelColor(picture.width() - 2, 5), QColor(255, 255, 255));
+    const int second = qRound(20 * zoom);
+    for (int x = 0; x < picture.width(); ++x)
+        QCOMPARE(picture.pixelColor(x, second), x < shown ? QColor(Qt::red) : QColor(Qt::white));
+    QCOMPARE(picture.pixelColor(shown - 1, 5), QColor(Qt::white)); // the first row
+}
+
+void ListTest::scroll_bar_is_shown_though_all_rows_fit() {
+    open_boxes(list_box);
+    QVERIFY(list()->verticalScrollBar()->isVisible());
+    send("list", appends(100));
+    QVERIFY(list()->verticalScrollBar()->isVisible());
+    QVERIFY(!list()->horizontalScrollBar()->isVisible());
 }
 
 void ListTest::all_scripts_draw_data() {
