@@ -30,6 +30,14 @@ CodeEdit::CodeEdit(QWidget *parent) : QPlainTextEdit(parent), margin_(new QWidge
     mark_current_line();
 }
 
+void CodeEdit::go_to(int line, int column) {
+    const QTextBlock block = document()->findBlockByNumber(std::clamp(line, 1, blockCount()) - 1);
+    QTextCursor cursor(block);
+    cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::MoveAnchor, std::clamp(column, 1, block.length()) - 1);
+    setTextCursor(cursor);
+    ensureCursorVisible();
+}
+
 int CodeEdit::margin_width() const {
     const auto digits = QString::number(std::max(1, blockCount())).size();
     return static_cast<int>(std::max<qsizetype>(digits, 3)) * fontMetrics().horizontalAdvance('9') + 2 * gap;

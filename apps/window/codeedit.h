@@ -9,6 +9,9 @@ class CodeEdit : public QPlainTextEdit {
   public:
     explicit CodeEdit(QWidget *parent = nullptr);
 
+    // Puts the cursor at a place, counted from 1, or as near to it as there is text.
+    void go_to(int line, int column);
+
   protected:
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;

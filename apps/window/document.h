@@ -23,6 +23,11 @@ class Document {
     QString name() const; // as a window's title has it
     bool is_changed() const { return maxhost::is_dirty(patcher_); }
 
+    // Whether there is a file now that is not the one that was opened or saved last.
+    bool would_overwrite() const {
+        return maxhost::changed_on_disk(patcher_) && maxhost::stamp_of(maxhost::file_of_patcher(patcher_)).exists;
+    }
+
     // False with the reason when that fails. Saving takes the file as the document's own; reverting closes the windows
     // of patchers in boxes, and leaves everything as it is when the file cannot be opened.
     bool save(const QString &file, QString &reason);

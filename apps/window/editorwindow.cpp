@@ -9,16 +9,20 @@
 
 #include "look.h"
 #include "session.h"
+#include "textfault.h"
+#include "xmldocument.h"
 
 using namespace maxhost;
 
 EditorWindow::EditorWindow(t_object *editor, Session &session)
-    : editor_(editor), session_(session), text_(new CodeEdit), find_bar_(new FindBar(*text_)),
-      highlighter_(new XmlHighlighter(text_->document())) {
+    : editor_(editor), session_(session), change_bar_(new ChangeBar),
+      watch_(new FileWatch([this] { return stamp_of(file_.toStdString()) != as_held_; }, this)), text_(new CodeEdit),
+      find_bar_(new FindBar(*text_)), highlighter_(new XmlHighlighter(text_->document())) {
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    layout->addWidget(change_bar_);
     layout->addWidget(text_, 1);
     layout->addWidget(find_bar_);
     setCentralWidget(content);
@@ -27,6 +31,8 @@ EditorWindow::EditorWindow(t_object *editor, Session &session)
     make_menus();
     statusBar();
     connect(text_->document(), &QTextDocument::modificationChanged, this, &QWidget::setWindowModified);
+    connect(watch_, &FileWatch::changed, this, [this] { change_bar_->offer(file_, text_->document()->isModified()); });
+    connect(change_bar_, &ChangeBar::reload_wanted, this, &EditorWindow::reload);
     resize(720, 560);
     QMetaObject::invokeMethod(this, &QWidget::show, Qt::QueuedConnection);
 }
@@ -56,6 +62,9 @@ void EditorWindow::refresh(EditorEvent event) {
     if (event == EditorEvent::text) {
         text_->setPlainText(QString::fromStdString(state.text));
         text_->document()->setModified(false);
+        follow_file();
+    } else if (event == EditorEvent::file) {
+        follow_file();
     } else if (event == EditorEvent::visible) {
         setVisible(state.visible);
         raise();
@@ -69,29 +78,67 @@ void EditorWindow::editor_is_gone() {
     deleteLater();
 }
 
+void EditorWindow::follow_file() {
+    file_ = QString::fromStdString(editor_state(editor_).path);
+    as_held_ = stamp_of(file_.toStdString());
+    change_bar_->hide();
+    watch_->follow(file_);
+}
+
+void EditorWindow::reload() {
+    const FileStamp as_read = stamp_of(file_.toStdString());
+    QString text, reason;
+    if (!read_xml_text(file_, text, reason)) {
+        QMessageBox::warning(this, name(), tr("%1 cannot be read again: %2").arg(name(), reason));
+        return;
+    }
+    text_->setPlainText(text);
+    text_->document()->setModified(false);
+    follow_file();
+    as_held_ = as_read;
+}
+
 // The owner may find something wrong with the text only when it has taken it: then the console says so.
-bool EditorWindow::save() {
+bool EditorWindow::hand_over(QString &reason) {
     session_.bridge().deliver();
     const int errors = session_.console().errors();
+    forget_text_fault();
     const bool is_taken = save_editor_text(editor_, text_->toPlainText().toStdString());
+    const TextFault fault = last_text_fault();
     drain_queue();
     session_.bridge().deliver();
-    const bool is_saved = is_taken && session_.console().errors() == errors;
-    const QString reason =
-        session_.console().errors() > errors ? session_.console().last_error() : tr("nobody takes the text");
+    if (!is_taken && fault.line > 0) {
+        reason = tr("line %1, column %2: %3").arg(fault.line).arg(fault.column).arg(fault.reason);
+        text_->go_to(fault.line, fault.column);
+        return false;
+    }
+    const bool is_faulty = session_.console().errors() > errors;
+    reason = is_faulty ? session_.console().last_error() : tr("nobody takes the text");
+    return is_taken && !is_faulty;
+}
+
+bool EditorWindow::save() {
+    const FileStamp now = stamp_of(file_.toStdString());
+    if (now.exists && now != as_held_ && !may_save_over(file_, this))
+        return false;
+    if (!editor_) // the owner has gone while the question was open
+        return false;
+    QString reason;
+    const bool is_saved = hand_over(reason);
     statusBar()->setStyleSheet(is_saved ? QString() : "color: " + look_of(palette()).error.name());
     statusBar()->showMessage(is_saved ? tr("Saved") : tr("Not saved: %1").arg(reason), is_saved ? 3000 : 0);
-    if (is_saved)
-        text_->document()->setModified(false);
-    return is_saved;
+    if (!is_saved)
+        return false;
+    text_->document()->setModified(false);
+    follow_file();
+    return true;
 }
 
 bool EditorWindow::may_close() {
     if (!text_->document()->isModified())
         return true;
-    const QString name = windowTitle().remove("[*]");
     const auto answer =
-        QMessageBox::question(this, name, tr("The text of %1 has changed. Save it before it is closed?").arg(name),
+        QMessageBox::question(this, name(), tr("The text of %1 has changed. Save it before it is closed?").arg(name()),
                               QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && save());
 }
@@ -107,6 +154,8 @@ void EditorWindow::closeEvent(QCloseEvent *event) {
 
 void EditorWindow::changeEvent(QEvent *event) {
     QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        watch_->look();
     if (event->type() == QEvent::PaletteChange)
         highlighter_->set_dark(is_dark(palette()));
 }

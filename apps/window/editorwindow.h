@@ -3,8 +3,10 @@
 
 #include <QMainWindow>
 
+#include "changebar.h"
 #include "codeedit.h"
 #include "embed/host.h"
+#include "filewatch.h"
 #include "findbar.h"
 #include "xmlhighlighter.h"
 
@@ -27,8 +29,9 @@ class EditorWindow : public QMainWindow {
     CodeEdit &text() { return *text_; }
     FindBar &find_bar() { return *find_bar_; }
 
-    // Hands the text to the editor's owner. False, and a person is told why, when it is not taken, or something is
-    // wrong with it.
+    // Hands the text to the editor's owner, after a question when its file has changed on the disk. False, and a person
+    // is told why, when it is not taken, or something is wrong with it; then the cursor stands at the place, if one is
+    // known.
     bool save();
 
   protected:
@@ -38,9 +41,17 @@ class EditorWindow : public QMainWindow {
   private:
     void make_menus();
     bool may_close();
+    bool hand_over(QString &reason);
+    QString name() const { return windowTitle().remove("[*]"); }
+    void reload();
+    void follow_file();
 
     t_object *editor_; // null when it is gone
     Session &session_;
+    QString file_;               // full path; empty without one
+    maxhost::FileStamp as_held_; // the file as it was when the text was read or saved
+    ChangeBar *change_bar_;
+    FileWatch *watch_;
     CodeEdit *text_;
     FindBar *find_bar_;
     XmlHighlighter *highlighter_;

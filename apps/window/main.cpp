@@ -87,9 +87,10 @@ int take_picture(Session &session, const Options &options) {
     QWidget *window = front_window();
     if (!window)
         return fail("no window is open for the picture");
-    return write_picture(*window, QString::fromStdString(options.picture))
+    QString reason;
+    return write_picture(*window, QString::fromStdString(options.picture), reason)
                ? 0
-               : fail(options.picture + ": cannot be written");
+               : fail(options.picture + ": " + reason.toStdString());
 }
 
 int show(Session &session, ScriptPlayer &player, const Options &options) {

@@ -14,6 +14,7 @@
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QTabBar>
+#include <QVBoxLayout>
 
 #include "document.h"
 #include "session.h"
@@ -46,19 +47,29 @@ std::vector<t_object *> boxes_on_tabs(t_object *patcher) {
 } // namespace
 
 PatcherWindow::PatcherWindow(t_object *patcher, Document &document, Session &session)
-    : patcher_(patcher), document_(document), session_(session), tabs_(new QTabWidget),
+    : patcher_(patcher), document_(document), session_(session), tabs_(new QTabWidget), change_bar_(new ChangeBar),
+      watch_(new FileWatch([&document] { return changed_on_disk(document.patcher()); }, this)),
       console_(new ConsoleDock(session.console(), this)), errors_(new QToolButton), zoom_shown_(new QLabel) {
     setAcceptDrops(true);
     tabs_->setDocumentMode(true);
     tabs_->setTabBarAutoHide(true);
     tabs_->tabBar()->setDrawBase(false);
     tabs_->setStyleSheet(tab_style(look_of(palette())));
-    setCentralWidget(tabs_);
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(change_bar_);
+    layout->addWidget(tabs_, 1);
+    setCentralWidget(content);
     addDockWidget(Qt::BottomDockWidgetArea, console_);
     console_->hide();
     make_menus();
     make_status_bar();
     connect(&session.bridge(), &HostBridge::patcher_changed, this, [this] { show_title(); });
+    connect(watch_, &FileWatch::changed, this,
+            [this] { change_bar_->offer(document_.file(), document_.is_changed()); });
+    connect(change_bar_, &ChangeBar::reload_wanted, this, &PatcherWindow::revert);
     show_patcher(patcher);
     fit_to_patcher();
     current_canvas()->setFocus();
@@ -80,6 +91,7 @@ void PatcherWindow::show_patcher(t_object *patcher) {
     presentation_->setChecked(current_canvas()->is_presented());
     set_zoom(zoom_);
     show_title();
+    follow_file();
 }
 
 void PatcherWindow::add_page(t_object *patcher, const QString &title) {
@@ -125,6 +137,13 @@ void PatcherWindow::show_title() {
     const QString name = is_whole() ? document_.name() : inner_title(box_around(patcher_)) + " in " + document_.name();
     setWindowTitle(name + "[*]");
     setWindowModified(document_.is_changed());
+}
+
+// The file is the one that was opened or saved just now. Windows of patchers in boxes leave it to that of the document.
+void PatcherWindow::follow_file() {
+    change_bar_->hide();
+    if (is_whole())
+        watch_->follow(document_.file());
 }
 
 void PatcherWindow::open_inner(t_object *patcher) { session_.show_inner(document_, patcher); }
@@ -208,12 +227,17 @@ void PatcherWindow::open_file() {
 // What is on its way to a box is saved with it.
 bool PatcherWindow::write_to(const QString &file, QString &reason) {
     finish_queued();
-    return document_.save(file, reason);
+    if (!document_.save(file, reason))
+        return false;
+    document_.windows().constFirst()->follow_file();
+    return true;
 }
 
 bool PatcherWindow::save() {
     if (document_.file().isEmpty())
         return save_as();
+    if (document_.would_overwrite() && !may_save_over(document_.file(), this))
+        return false;
     QString reason;
     if (write_to(document_.file(), reason)) {
         statusBar()->showMessage(tr("Saved"), 3000);
@@ -245,8 +269,8 @@ void PatcherWindow::revert() {
     finish_queued();
     const QString question = tr("Go back to the file? What has changed since it was saved is lost.");
     if (document_.is_changed() &&
-        QMessageBox::question(this, tr("Revert"), question, QMessageBox::Discard | QMessageBox::Cancel) !=
-            QMessageBox::Discard)
+        QMessageBox::question(this, tr("Revert"), question, QMessageBox::Discard | QMessageBox::Cancel,
+                              QMessageBox::Cancel) != QMessageBox::Discard)
         return;
     session_.revert(document_, this); // this window may close before it returns
 }
@@ -285,8 +309,10 @@ void PatcherWindow::closeEvent(QCloseEvent *event) {
 
 void PatcherWindow::changeEvent(QEvent *event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
         document_.take_folder();
+        watch_->look();
+    }
     if (event->type() == QEvent::PaletteChange)
         tabs_->setStyleSheet(tab_style(look_of(palette())));
 }

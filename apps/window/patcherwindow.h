@@ -7,7 +7,9 @@
 #include <QToolButton>
 
 #include "canvas.h"
+#include "changebar.h"
 #include "console.h"
+#include "filewatch.h"
 
 class Document;
 class Session;
@@ -49,6 +51,7 @@ class PatcherWindow : public QMainWindow {
     void add_page(t_object *patcher, const QString &title);
     void fit_to_patcher();
     void show_title();
+    void follow_file();
 
     void open_file();
     bool write_to(const QString &file, QString &reason);
@@ -66,6 +69,8 @@ class PatcherWindow : public QMainWindow {
     Document &document_;
     Session &session_;
     QTabWidget *tabs_;
+    ChangeBar *change_bar_;
+    FileWatch *watch_;
     ConsoleDock *console_;
     QToolButton *errors_;
     QLabel *zoom_shown_;

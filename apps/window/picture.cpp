@@ -1,13 +1,24 @@
 // Pictures of windows.
 #include "picture.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QImage>
 #include <QPixmap>
 
-bool write_picture(QWidget &window, const QString &file) {
+#include "embed/host.h"
+
+bool write_picture(QWidget &window, const QString &file, QString &reason) {
     window.show();
     QCoreApplication::sendPostedEvents();
     QCoreApplication::processEvents();
-    return window.grab().toImage().convertToFormat(QImage::Format_RGB888).save(file, "PNG", 0);
+    QBuffer png;
+    if (!window.grab().toImage().convertToFormat(QImage::Format_RGB888).save(&png, "PNG", 0)) {
+        reason = QCoreApplication::translate("picture", "the window is too large for a picture");
+        return false;
+    }
+    std::string why;
+    const bool is_written = maxhost::replace_whole_file(file.toStdString(), png.data().toStdString(), why);
+    reason = QString::fromStdString(why);
+    return is_written;
 }

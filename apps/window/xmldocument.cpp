@@ -34,7 +34,7 @@ long document_edsave(XmlDocument *x, char **text, long size, const char *name, t
     const bool is_taken = x->holder->doc != before;
     if (is_taken && vrk_save_document(x->holder->write_path, x->holder->doc) < 0)
         object_error(&x->object, "unable to write %s", name);
-    return result;
+    return is_taken ? result : -1;
 }
 
 void document_edclose(XmlDocument *x, char **text, long size) {
@@ -47,6 +47,23 @@ bool load(t_jxmlfile *holder, const QString &path) {
     short folder = 0;
     return path_frompathname(path.toUtf8().constData(), &folder, name) == 0 && jxmlfile_load(holder, name, folder) &&
            holder->loaded;
+}
+
+XmlDocument *open_document(const QString &file, QString &reason) {
+    const QFileInfo info(file);
+    if (!info.isFile() || !info.isReadable()) {
+        reason = info.exists() ? "cannot be read" : "not found";
+        return nullptr;
+    }
+    auto *x = static_cast<XmlDocument *>(object_new(CLASS_NOBOX, gensym("xmldocument")));
+    if (!x || !x->holder)
+        reason = "out of memory";
+    else if (!load(x->holder, info.canonicalFilePath()))
+        reason = "no XML file that can be parsed";
+    else
+        return x;
+    object_free(x);
+    return nullptr;
 }
 
 } // namespace
@@ -62,22 +79,21 @@ void register_xml_document() {
 }
 
 bool edit_xml_file(const QString &file, QString &reason) {
-    const QFileInfo info(file);
-    if (!info.isFile() || !info.isReadable()) {
-        reason = info.exists() ? "cannot be read" : "not found";
+    const XmlDocument *x = open_document(file, reason);
+    if (x)
+        jxmlfile_open(x->holder);
+    return x != nullptr;
+}
+
+bool read_xml_text(const QString &file, QString &text, QString &reason) {
+    XmlDocument *x = open_document(file, reason);
+    if (!x)
         return false;
-    }
-    auto *x = static_cast<XmlDocument *>(object_new(CLASS_NOBOX, gensym("xmldocument")));
-    if (!x || !x->holder) {
-        object_free(x);
-        reason = "out of memory";
-        return false;
-    }
-    if (!load(x->holder, info.canonicalFilePath())) {
-        object_free(x);
-        reason = "no XML file that can be parsed";
-        return false;
-    }
-    jxmlfile_open(x->holder);
+    xmlChar *bytes = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemory(x->holder->doc, &bytes, &size, 1);
+    text = QString::fromUtf8(reinterpret_cast<const char *>(bytes), size);
+    xmlFree(bytes);
+    object_free(x);
     return true;
 }

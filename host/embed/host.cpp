@@ -337,7 +337,10 @@ std::string assistance(t_object *box, bool inlet, long index) {
 
 EditorState editor_state(t_object *editor) {
     const auto *found = expect<Editor>(editor, "editor_state");
-    return found ? EditorState{found->text, found->file, found->title->s_name, found->visible != 0} : EditorState{};
+    if (!found)
+        return {};
+    const std::string path = found->file.empty() ? "" : path_in_folder(found->folder, found->file);
+    return {found->text, found->file, path, found->title->s_name, found->visible != 0};
 }
 
 bool save_editor_text(t_object *editor, const std::string &text) {

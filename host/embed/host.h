@@ -171,13 +171,14 @@ MAXHOST_EMBED std::string assistance(t_object *box, bool inlet, long index);
 struct EditorState {
     std::string text; // UTF-8
     std::string file; // a bare name
+    std::string path; // the full path of that file, empty without one
     std::string title;
     bool visible;
 };
 
 MAXHOST_EMBED EditorState editor_state(t_object *editor);
 
-// A person changes the text and saves it; true when the owner of the editor has taken it.
+// A person changes the text and saves it; true when the owner of the editor has taken it, and has not refused it.
 MAXHOST_EMBED bool save_editor_text(t_object *editor, const std::string &text);
 
 // A person closes the window; the editor is freed.

@@ -98,7 +98,7 @@ bool save_editor(Editor &editor) {
     void *result = owner ? object_method(owner, gensym("edsave"), &text, static_cast<long>(editor.text.size()),
                                          editor.file.c_str(), editor.folder)
                          : nullptr;
-    return result != nullptr;
+    return reinterpret_cast<t_ptr_int>(result) > 0;
 }
 
 void close_editor(Editor *editor) {

@@ -22,7 +22,7 @@ struct Editor : t_object {
 // Makes the class known, so that plug-ins can make editors.
 void register_editor();
 
-// A person saves the text: "edsave" goes to the owner. True when the owner has handled it.
+// A person saves the text: "edsave" goes to the owner. True when the owner has taken it, and answers more than 0.
 bool save_editor(Editor &editor);
 
 // A person closes the window: "edclose" goes to the owner, then the editor is freed.

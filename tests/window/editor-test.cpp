@@ -19,6 +19,10 @@ class EditorTest : public WindowTest {
     void opens_with_text_and_title();
     void saves_to_the_file();
     void text_that_does_not_parse_is_not_saved();
+    void saving_over_a_changed_file_asks_data();
+    void saving_over_a_changed_file_asks();
+    void changes_on_the_disk_are_noticed();
+    void a_file_that_cannot_be_read_again_is_told();
     void file_that_cannot_be_written_is_told();
     void what_is_found_later_is_told();
     void closing_asks_when_unsaved_data();
@@ -28,19 +32,23 @@ class EditorTest : public WindowTest {
     void file_that_is_no_xml_is_refused();
 
   private:
+    void write_file(const QString &content);
     EditorWindow *edit(const QString &content);
     static QColor color_at(const CodeEdit &text, int line, int column);
 };
 
-EditorWindow *EditorTest::edit(const QString &content) {
+void EditorTest::write_file(const QString &content) {
     QFile file(path_of("list.xml"));
     if (!file.open(QFile::WriteOnly))
         qFatal("the file cannot be written");
     file.write(("<?xml version=\"1.0\"?>\n" + content).toUtf8());
-    file.close();
+}
+
+EditorWindow *EditorTest::edit(const QString &content) {
+    write_file(content);
     register_xml_document();
     QString reason;
-    if (!edit_xml_file(file.fileName(), reason))
+    if (!edit_xml_file(path_of("list.xml"), reason))
         qFatal("%s", qPrintable(reason));
     settle();
     for (QWidget *window : QApplication::topLevelWidgets())
@@ -78,12 +86,85 @@ void EditorTest::saves_to_the_file() {
 
 void EditorTest::text_that_does_not_parse_is_not_saved() {
     EditorWindow *window = edit("<a/>");
-    QTest::keyClicks(&window->text(), "<open>");
-    QVERIFY(!window->save());
+    window->text().selectAll();
+    const QString text = "<a>\n  <b>\n  </c>\n</a>";
+    window->text().insertPlainText(text);
+    window->text().moveCursor(QTextCursor::Start);
+    when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Save); });
+    QVERIFY(!window->close());
+    QVERIFY(window->isVisible());
     QVERIFY(window->isWindowModified());
-    QVERIFY(window->statusBar()->currentMessage().startsWith("Not saved: "));
+    QCOMPARE(window->statusBar()->currentMessage(),
+             "Not saved: line 3, column 7: Opening and ending tag mismatch: b line 2 and c");
+    QCOMPARE(window->text().textCursor().blockNumber(), 2);
+    QCOMPARE(window->text().textCursor().positionInBlock(), 6);
+    QCOMPARE(window->text().toPlainText(), text);
     QVERIFY(read_text(path_of("list.xml")).contains("<a/>"));
-    window->text().document()->undo();
+    window->text().document()->setModified(false);
+}
+
+void EditorTest::saving_over_a_changed_file_asks_data() {
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<QString>("kept");
+    QTest::newRow("cancel") << int(QMessageBox::Cancel) << "theirs";
+    QTest::newRow("save") << int(QMessageBox::Save) << "mine";
+}
+
+void EditorTest::saving_over_a_changed_file_asks() {
+    QFETCH(int, answer);
+    QFETCH(QString, kept);
+    EditorWindow *window = edit("<a/>");
+    window->text().selectAll();
+    window->text().insertPlainText("<a>mine</a>");
+    write_file("<a>theirs</a>");
+    bool was_asked = false;
+    when_asked([&](QDialog &dialog) {
+        was_asked = true;
+        press(dialog, static_cast<QMessageBox::StandardButton>(answer));
+    });
+    QCOMPARE(window->save(), answer == QMessageBox::Save);
+    QVERIFY(was_asked);
+    QVERIFY(read_text(path_of("list.xml")).contains(kept));
+    QVERIFY(window->text().toPlainText().contains("mine"));
+    QVERIFY(window->isWindowModified() == (answer == QMessageBox::Cancel));
+    window->text().document()->setModified(false);
+}
+
+void EditorTest::changes_on_the_disk_are_noticed() {
+    EditorWindow *window = edit("<a/>");
+    auto *bar = window->findChild<ChangeBar *>();
+    for (const QString content : {"first", "second"}) {
+        write_file("<a>" + content + "</a>");
+        QTRY_VERIFY(bar->isVisible());
+        QVERIFY(!window->text().toPlainText().contains(content));
+        QTest::mouseClick(button_of(*bar, "Reload"), Qt::LeftButton);
+        QVERIFY(!bar->isVisible());
+        QVERIFY(window->text().toPlainText().contains(content));
+        QVERIFY(!window->isWindowModified());
+    }
+    window->text().insertPlainText(" ");
+    write_file("<a>third</a>");
+    QTRY_VERIFY(bar->isVisible());
+    QCOMPARE(bar->findChild<QLabel *>()->text(),
+             "list.xml has changed on the disk. Reloading it loses what you have changed.");
+    QTest::mouseClick(button_of(*bar, "Keep"), Qt::LeftButton);
+    QVERIFY(window->text().toPlainText().contains("second"));
+    window->text().document()->setModified(false);
+}
+
+void EditorTest::a_file_that_cannot_be_read_again_is_told() {
+    EditorWindow *window = edit("<a>held</a>");
+    auto *bar = window->findChild<ChangeBar *>();
+    write_file("<a");
+    QTRY_VERIFY(bar->isVisible());
+    QString told;
+    when_asked([&](QDialog &dialog) {
+        told = static_cast<QMessageBox &>(dialog).text();
+        dialog.reject();
+    });
+    QTest::mouseClick(button_of(*bar, "Reload"), Qt::LeftButton);
+    QCOMPARE(told, "list.xml cannot be read again: no XML file that can be parsed");
+    QVERIFY(window->text().toPlainText().contains("held"));
 }
 
 void EditorTest::file_that_cannot_be_written_is_told() {
@@ -92,6 +173,7 @@ void EditorTest::file_that_cannot_be_written_is_told() {
     QVERIFY(QDir().mkdir(path_of("list.xml")));
     window->text().selectAll();
     QTest::keyClicks(&window->text(), "<a>typed</a>");
+    when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Save); }); // something else is there now
     QVERIFY(!window->save());
     QVERIFY(window->statusBar()->currentMessage().contains("unable to write"));
 }

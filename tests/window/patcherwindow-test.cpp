@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <QAction>
+#include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QMimeData>
@@ -58,6 +59,14 @@ class PatcherWindowTest : public WindowTest {
     void work_of_clocks_is_done_piece_by_piece();
     void saving_as_takes_the_new_name();
     void reverting_reads_the_file_again();
+    void saving_over_a_changed_file_asks_data();
+    void saving_over_a_changed_file_asks();
+    void a_file_that_is_gone_is_saved_without_a_question();
+    void changes_on_the_disk_are_noticed_again_and_again();
+    void a_change_is_noticed_when_the_window_becomes_active();
+    void reloading_loses_edits_only_when_that_is_wanted();
+    void own_saving_is_not_a_change();
+    void save_that_fails_is_told_with_its_reason();
     void reverting_comes_after_what_is_queued();
     void file_that_is_not_there_is_told();
     void files_are_dropped_in();
@@ -72,7 +81,19 @@ class PatcherWindowTest : public WindowTest {
 
   private:
     QAction *action(PatcherWindow *window, const QString &text) const;
+
+    // What another program does: it replaces the patcher's file.
+    void replace_file(const QString &label);
 };
+
+void PatcherWindowTest::replace_file(const QString &label) {
+    QFile file(path_of("beside"));
+    QVERIFY(file.open(QFile::WriteOnly));
+    file.write("{\"patcher\": {\"boxes\": [" +
+               box_json("m", "message", "20, 20, 80, 22", QString("\"text\": \"%1\"").arg(label)).toUtf8() + "]}}");
+    file.close();
+    QCOMPARE(std::rename(qPrintable(file.fileName()), qPrintable(path_of("test.maxpat"))), 0);
+}
 
 QAction *PatcherWindowTest::action(PatcherWindow *window, const QString &text) const {
     for (QAction *each : window->findChildren<QAction *>())
@@ -198,6 +219,116 @@ void PatcherWindowTest::reverting_reads_the_file_again() {
     QCOMPARE(session().documents().front()->windows().constFirst(), window);
 }
 
+void PatcherWindowTest::saving_over_a_changed_file_asks_data() {
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<QString>("kept");
+    QTest::newRow("cancel") << int(QMessageBox::Cancel) << "theirs";
+    QTest::newRow("save") << int(QMessageBox::Save) << "mine";
+}
+
+void PatcherWindowTest::saving_over_a_changed_file_asks() {
+    QFETCH(int, answer);
+    PatcherWindow *window = open_boxes(message_box);
+    send("m", "set mine");
+    replace_file("theirs");
+    QString question;
+    when_asked([&](QDialog &dialog) {
+        auto &box = static_cast<QMessageBox &>(dialog);
+        question = box.text();
+        QCOMPARE(box.defaultButton(), box.button(QMessageBox::Cancel));
+        press(dialog, static_cast<QMessageBox::StandardButton>(answer));
+    });
+    action(window, "Save")->trigger();
+    QCOMPARE(question, "test.maxpat has changed on the disk since it was opened or saved here. Save over it?");
+    QFETCH(QString, kept);
+    QVERIFY(read_text(path_of("test.maxpat")).contains(kept));
+    QCOMPARE(value("m"), "mine");
+}
+
+void PatcherWindowTest::a_file_that_is_gone_is_saved_without_a_question() {
+    PatcherWindow *window = open_boxes(message_box);
+    QVERIFY(QFile::remove(path_of("test.maxpat")));
+    action(window, "Save")->trigger();
+    QVERIFY(QFile::exists(path_of("test.maxpat")));
+}
+
+void PatcherWindowTest::changes_on_the_disk_are_noticed_again_and_again() {
+    PatcherWindow *window = open_boxes(message_box);
+    auto *bar = window->findChild<ChangeBar *>();
+    QVERIFY(!bar->isVisible());
+    for (const QString label : {"first", "second", "third"}) {
+        replace_file(label);
+        QTRY_VERIFY(bar->isVisible());
+        QCOMPARE(value("m"), label == "first" ? "go" : label == "second" ? "first" : "second");
+        QTest::mouseClick(button_of(*bar, "Reload"), Qt::LeftButton);
+        QVERIFY(!bar->isVisible());
+        QCOMPARE(value("m"), label);
+    }
+    replace_file("kept out");
+    QTRY_VERIFY(bar->isVisible());
+    QTest::mouseClick(button_of(*bar, "Keep"), Qt::LeftButton);
+    QVERIFY(!bar->isVisible());
+    QCOMPARE(value("m"), "third");
+    QVERIFY(QFile::remove(path_of("test.maxpat")));
+    QTRY_VERIFY(bar->isVisible());
+    QVERIFY(!button_of(*bar, "Reload")->isVisible());
+}
+
+void PatcherWindowTest::a_change_is_noticed_when_the_window_becomes_active() {
+    PatcherWindow *window = open_boxes(message_box);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    replace_file("theirs");
+    QEvent activation(QEvent::ActivationChange);
+    QCoreApplication::sendEvent(window, &activation);
+    QVERIFY(window->findChild<ChangeBar *>()->isVisible());
+}
+
+void PatcherWindowTest::reloading_loses_edits_only_when_that_is_wanted() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    auto *bar = window->findChild<ChangeBar *>();
+    send("list", "append mine");
+    replace_file("theirs");
+    QTRY_VERIFY(bar->isVisible());
+    QCOMPARE(bar->findChild<QLabel *>()->text(),
+             "test.maxpat has changed on the disk. Reloading it loses what you have changed.");
+    when_asked([&](QDialog &dialog) {
+        auto &box = static_cast<QMessageBox &>(dialog);
+        QCOMPARE(box.defaultButton(), box.button(QMessageBox::Cancel));
+        press(dialog, QMessageBox::Cancel);
+    });
+    QTest::mouseClick(button_of(*bar, "Reload"), Qt::LeftButton);
+    QCOMPARE(view().rows, 1);
+    when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Discard); });
+    QTest::mouseClick(button_of(*bar, "Reload"), Qt::LeftButton);
+    QCOMPARE(value("m"), "theirs");
+}
+
+void PatcherWindowTest::own_saving_is_not_a_change() {
+    PatcherWindow *window = open_boxes(message_box);
+    action(window, "Save")->trigger();
+    action(window, "Save")->trigger();
+    QEvent activation(QEvent::ActivationChange);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    QCoreApplication::sendEvent(window, &activation);
+    QVERIFY(!window->findChild<ChangeBar *>()->isVisible());
+}
+
+void PatcherWindowTest::save_that_fails_is_told_with_its_reason() {
+    PatcherWindow *window = open_boxes(embedding_list);
+    send("list", "append kept");
+    QVERIFY(QDir(path_of("")).removeRecursively());
+    QString told;
+    when_asked([&](QDialog &dialog) {
+        told = static_cast<QMessageBox &>(dialog).text();
+        dialog.reject();
+    });
+    action(window, "Save")->trigger();
+    QCOMPARE(told, "test.maxpat is not saved: No such file or directory");
+    QVERIFY(window->isWindowModified());
+}
+
 void PatcherWindowTest::reverting_comes_after_what_is_queued() {
     PatcherWindow *window = open_boxes(embedding_list);
     long done = 0;
@@ -314,13 +445,15 @@ void PatcherWindowTest::dark_palette_keeps_texts_readable() {
 
 void PatcherWindowTest::picture_is_what_the_window_shows() {
     PatcherWindow *window = open_boxes(message_box);
-    QVERIFY(write_picture(*window, path_of("window.png")));
+    QString reason;
+    QVERIFY2(write_picture(*window, path_of("window.png"), reason), qPrintable(reason));
     const QImage picture(path_of("window.png"));
     QCOMPARE(picture.size(), window->size() * window->devicePixelRatio());
     const QPoint inside = widget("m")->mapTo(window, widget("m")->rect().center() + QPoint(30, 0));
     const QColor at_message = picture.pixelColor(inside * window->devicePixelRatio());
     QVERIFY(at_message != look_of(window->palette()).canvas);
-    QVERIFY(!write_picture(*window, path_of("no-folder/window.png")));
+    QVERIFY(!write_picture(*window, path_of("no-folder/window.png"), reason));
+    QCOMPARE(reason, "No such file or directory");
 }
 
 // The window goes on while the rest of a line is still to come.

@@ -101,7 +101,7 @@ void ProgramTest::tells_what_is_wrong_data() {
     QTest::newRow("line") << QStringList({"--picture", "/dev/null", "--script", "-"})
                           << "vrk-window: -:1: host does not know \"nothing\"\n";
     QTest::newRow("picture") << QStringList({"--picture", "/none/p.png", PATCHER})
-                             << "vrk-window: /none/p.png: cannot be written\n";
+                             << "vrk-window: /none/p.png: No such file or directory\n";
     QTest::newRow("tab") << QStringList({"--tab", "none", PATCHER}) << "vrk-window: no tab is named \"none\"\n";
     QTest::newRow("editor") << QStringList({"--edit", "missing.xml"}) << "vrk-window: missing.xml: not found\n";
 }

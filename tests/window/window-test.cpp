@@ -129,6 +129,13 @@ void WindowTest::press(QDialog &dialog, QMessageBox::StandardButton button) {
     QTest::mouseClick(static_cast<QMessageBox &>(dialog).button(button), Qt::LeftButton);
 }
 
+QPushButton *WindowTest::button_of(const QWidget &bar, const QString &text) const {
+    for (QPushButton *each : bar.findChildren<QPushButton *>())
+        if (each->text() == text)
+            return each;
+    qFatal("no button says %s", qPrintable(text));
+}
+
 QString box_json(const QString &id, const QString &maxclass, const QString &rect, const QString &more) {
     return QString("{\"box\": {\"id\": \"%1\", \"varname\": \"%1\", \"maxclass\": \"%2\", \"patching_rect\": [%3]%4}}")
         .arg(id, maxclass, rect, more.isEmpty() ? QString() : ", " + more);

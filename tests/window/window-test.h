@@ -4,6 +4,7 @@
 #include <functional>
 
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -44,6 +45,9 @@ class WindowTest : public QObject {
     // Once the next modal dialog is open.
     void when_asked(std::function<void(QDialog &)> answer);
     void press(QDialog &dialog, QMessageBox::StandardButton button);
+
+    // The button with that text.
+    QPushButton *button_of(const QWidget &bar, const QString &text) const;
 
     QString path_of(const QString &name) const { return folder_->filePath(name); }
     Session &session() { return *session_; }
