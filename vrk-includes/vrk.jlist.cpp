@@ -11,6 +11,7 @@
 #include "vrk.jattributes.h"
 #include "vrk.jxml-resfile.h"
 #include "vrk.pathname.h"
+#include "vrk.utf8.h"
 
 // ---- rows
 
@@ -431,7 +432,7 @@ void jlist_custompaint_gensym_cell(t_jlist *list, t_jgraphics *g, t_symbol *, lo
     const double size = jbox_get_fontsize(list->owner);
     const t_symbol *face = jbox_get_fontname(list->owner);
     char text[2048];
-    strncpy_zero(text, item->s_name, sizeof(text));
+    vrk_copy_whole_characters(text, sizeof(text), item->s_name);
     t_jrgba black;
     jrgba_set(&black, 0.0, 0.0, 0.0, 1.0);
     jgraphics_set_source_jrgba(g, &black);
@@ -597,6 +598,13 @@ static void show_loaded_rows(t_jlist *list, row_arrays &arrays) {
     jlist_int(list, 1);
 }
 
+// Texts are trimmed as bytes, which takes letters outside of ASCII at their ends.
+static void report_texts_cut(const t_jlist *list, long count) {
+    if (count > 0)
+        object_warn(list->owner,
+                    "texts that lost letters outside of ASCII at their ends: %ld (a CDATA section keeps them)", count);
+}
+
 short jlist_load_from_xml(t_jlist *list, t_jxmlfile *holder, t_symbol *filename) {
     if (!filename || !load_document(list, holder, filename))
         return 0;
@@ -610,8 +618,10 @@ short jlist_load_from_xml(t_jlist *list, t_jxmlfile *holder, t_symbol *filename)
         return 0;
     }
     row_arrays arrays = announce_rows(list, count);
+    const long texts_cut_before = holder->texts_cut;
     if (!arrays || !read_items(list, holder, path, arrays))
         return 0;
+    report_texts_cut(list, holder->texts_cut - texts_cut_before);
     show_loaded_rows(list, arrays);
     return 1;
 }

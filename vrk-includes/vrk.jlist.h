@@ -140,7 +140,8 @@ t_max_err jlist_selectcolor(t_jlist *list, void *attr, long argc, t_atom *argv);
 // Replaces the rows with the resources of a file: those of the holder's second "xmlpath" word, numbered from 0 without
 // gaps. The name is looked up in the search path. 1 when the list was loaded. 0, and nothing changed, without a name
 // (no message) or when the file is not found or does not begin with "<?xml" (a null holder counts as that); 0, and the
-// list without data, when its resources cannot be had. The holder keeps the document.
+// list without data, when its resources cannot be had. The holder keeps the document. Texts that lose letters outside
+// of ASCII when they are trimmed are counted in a warning.
 short jlist_load_from_xml(t_jlist *list, t_jxmlfile *holder, t_symbol *filename);
 
 // Writes the rows as a new resource file, under "resourcefile" and "resource" whatever the owner's attributes say. The

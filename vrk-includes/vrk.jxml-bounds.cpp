@@ -3,19 +3,20 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <new>
-#include <string>
 #include <vector>
 
 namespace {
 
 constexpr size_t text_limit = 10'000'000; // libxml2 gives up in the middle of longer comments
 constexpr size_t depth_limit = 256;       // and of deeper documents
+constexpr size_t name_limit = 50'000;     // and of longer names
 
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 bool is_quote(char c) { return c == '"' || c == '\''; }
 
 // Whether a name can begin with it. Bytes of other characters count as such.
@@ -23,89 +24,78 @@ bool starts_name(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' || static_cast<signed char>(c) < 0;
 }
 
-// ---- encodings
-
-// Encodings in which the bytes of "<", quotes and the like never stand for anything else.
-constexpr std::string_view transparent_encodings[] = {
-    "UTF-8", "UTF8",        "US-ASCII", "ASCII",  "ISO-8859-", "ISO8859-",  "ISO_8859-",
-    "LATIN", "WINDOWS-125", "CP125",    "KOI8-",  "EUC-",      "SHIFT_JIS", "SHIFT-JIS",
-    "SJIS",  "BIG5",        "GBK",      "GB2312", "GB18030",   "TIS-620",   "MACINTOSH"};
-
-std::string upper_case(std::string_view text) {
-    std::string upper(text);
-    for (char &c : upper)
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    return upper;
-}
-
-bool is_utf16(std::string_view name) { return name == "UTF-16" || name == "UTF16"; }
-bool is_utf8(std::string_view name) { return name == "UTF-8" || name == "UTF8"; }
-
-// The quoted texts of the XML declaration that are not its version or "yes" or "no": one at most, the encoding.
-std::vector<std::string> declared_encodings(std::string_view text) {
-    std::vector<std::string> names;
-    if (!text.starts_with("<?xml"))
-        return names;
-    text = text.substr(0, text.find('>'));
-    for (size_t at = text.find_first_of("\"'"); at != text.npos; at = text.find_first_of("\"'", at)) {
-        const size_t end = std::min(text.find(text[at], at + 1), text.size());
-        const std::string name = upper_case(text.substr(at + 1, end - at - 1));
-        if (!name.empty() && starts_name(name[0]) && name != "YES" && name != "NO")
-            names.push_back(name);
-        at = std::min(end + 1, text.size());
-    }
-    return names;
-}
-
-enum class Width { byte, utf16_little, utf16_big, unknown };
-
-Width width_of(std::string_view text) {
-    using namespace std::string_view_literals;
-    if (text.starts_with("\xFE\xFF"sv) || text.starts_with("\0<\0?"sv))
-        return Width::utf16_big;
-    if (text.starts_with("\xFF\xFE"sv) || text.starts_with("<\0?\0"sv))
-        return Width::utf16_little;
-    // What libxml2 takes for characters of four bytes, or for EBCDIC.
-    const bool is_other =
-        text.starts_with("\0"sv) || text.starts_with("<\0"sv) || text.starts_with("\x4C\x6F\xA7\x94"sv);
-    return is_other ? Width::unknown : Width::byte;
-}
-
-// UTF-16 with one byte for each unit: those outside of ASCII as \x80, what is no character as \x01.
-std::string narrowed(std::string_view text, Width width) {
-    std::string narrow;
-    narrow.reserve(text.size() / 2);
-    const size_t high = width == Width::utf16_little ? 1 : 0;
-    for (size_t i = 0; i + 1 < text.size(); i += 2) {
-        const unsigned unit =
-            static_cast<unsigned char>(text[i + high]) << 8 | static_cast<unsigned char>(text[i + 1 - high]);
-        narrow += unit < 0x80 ? static_cast<char>(unit) : unit >= 0xFFFE ? '\x01' : '\x80';
-    }
-    return narrow;
-}
-
 // ---- characters
 
-constexpr auto impossible_bytes = [] {
-    std::array<bool, 256> bytes{};
+// What the steps below have to look for, as bits in a table of all bytes.
+enum : unsigned char { impossible = 1, blank = 2, ends_tag_name = 4, ends_attribute_name = 8, ends_declared_word = 16 };
+
+constexpr auto byte_kinds = [] {
+    std::array<unsigned char, 256> kinds{};
+    const auto add = [&kinds](std::string_view bytes, unsigned char kind) {
+        for (const char c : bytes)
+            kinds[static_cast<unsigned char>(c)] |= kind;
+    };
     for (size_t i = 0; i < 0x20; ++i)
-        bytes[i] = i != '\t' && i != '\n' && i != '\r';
-    return bytes;
+        kinds[i] = i != '\t' && i != '\n' && i != '\r' ? impossible : 0;
+    add(" \t\n\r", blank | ends_tag_name | ends_attribute_name | ends_declared_word);
+    add("/><", ends_tag_name);
+    add("\"'=<>/", ends_attribute_name);
+    add("()|,", ends_declared_word);
+    return kinds;
 }();
 
-// The first byte of a character that XML does not allow; of UTF-8 also U+FFFE, U+FFFF and surrogates.
-size_t impossible_character(std::string_view text, bool utf8) {
-    for (size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (impossible_bytes[byte])
-            return i;
-        if (!utf8 || (byte != 0xED && byte != 0xEF) || i + 2 >= text.size())
+bool is(char c, unsigned char kinds) { return byte_kinds[static_cast<unsigned char>(c)] & kinds; }
+
+// Whether the eight bytes at `place` are all of ASCII and none of them is a control character.
+bool is_plain(const char *place) {
+    constexpr std::uint64_t ones = 0x0101010101010101, tops = 0x80 * ones;
+    std::uint64_t bytes;
+    std::memcpy(&bytes, place, sizeof bytes);
+    return ((bytes | (bytes - 0x20 * ones)) & tops) == 0;
+}
+
+// Whether a character begins here that XML does not allow: a control character, a surrogate, U+FFFE or U+FFFF.
+bool is_impossible(std::string_view text) {
+    const auto byte = [text](size_t i) { return static_cast<unsigned char>(text[i]); };
+    if (byte(0) < 0x80 || text.size() < 3)
+        return is(text[0], impossible);
+    return (byte(0) == 0xED && byte(1) >= 0xA0) || (byte(0) == 0xEF && byte(1) == 0xBF && byte(2) >= 0xBE);
+}
+
+// The first of them, or the end of the text.
+size_t impossible_character(std::string_view text) {
+    constexpr size_t step = 8;
+    for (size_t i = 0; i < text.size(); i += step) {
+        if (i + step <= text.size() && is_plain(text.data() + i)) // nearly always
             continue;
-        const auto second = static_cast<unsigned char>(text[i + 1]), third = static_cast<unsigned char>(text[i + 2]);
-        if (byte == 0xED ? second >= 0xA0 : second == 0xBF && third >= 0xBE)
-            return i;
+        for (size_t place = i; place < std::min(i + step, text.size()); ++place)
+            if (is_impossible(text.substr(place)))
+                return place;
     }
     return text.size();
+}
+
+// The character at the beginning of a text; 0 when it is not one in UTF-8.
+unsigned first_character(std::string_view text) {
+    const unsigned first = text.empty() ? 0 : static_cast<unsigned char>(text[0]);
+    const size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    if (length > text.size())
+        return 0;
+    unsigned character = length == 1 ? first : first & (0x7Fu >> length);
+    for (size_t i = 1; i < length; ++i)
+        character = character << 6 | (static_cast<unsigned char>(text[i]) & 0x3Fu);
+    return character;
+}
+
+// Whether a name can begin with a character of XML, fifth edition, which is what libxml2 goes by.
+bool begins_name(unsigned character) {
+    constexpr unsigned ranges[][2] = {{0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
+                                      {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+                                      {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+    if (character < 0x80)
+        return starts_name(static_cast<char>(character));
+    return std::any_of(std::begin(ranges), std::end(ranges),
+                       [character](const auto &range) { return range[0] <= character && character <= range[1]; });
 }
 
 // ---- the text
@@ -116,7 +106,7 @@ class Scanner {
   public:
     explicit Scanner(std::string_view text) : text_(text) {}
 
-    jxml_refusal run();
+    jxml_bounds run();
     size_t end() const { return at_; } // of what was looked at
 
   private:
@@ -124,6 +114,17 @@ class Scanner {
     char now() const { return ahead(0); }
     char ahead(size_t bytes) const { return at_ + bytes < text_.size() ? text_[at_ + bytes] : '\0'; }
     bool begins(std::string_view piece) const { return text_.substr(at_).starts_with(piece); }
+    // The next byte of a kind; the end of the text when there is none.
+    size_t next(unsigned char kinds) const {
+        size_t place = at_;
+        while (place < text_.size() && !is(text_[place], kinds))
+            ++place;
+        return place;
+    }
+    void skip_blanks() {
+        while (is(now(), blank))
+            ++at_;
+    }
     bool refuse(const char *format, long limit);
     bool count_pieces(std::int64_t pieces);
     bool count_words(std::int64_t words);
@@ -135,10 +136,14 @@ class Scanner {
     bool attribute(std::int64_t &attributes, std::int64_t &namespaces);
     bool tag_is_whole(std::int64_t attributes, std::int64_t namespaces, bool is_empty);
     bool end_tag();
+    bool skip_text();
     bool document_type();
     bool declarations();
+    bool part_of_declarations();
+    bool parameter_reference();
     bool declaration();
     bool literal(bool of_attributes, bool of_parameter);
+    long parameter_words() const;
 
     std::string_view text_;
     size_t at_ = 0;
@@ -148,9 +153,9 @@ class Scanner {
     std::int64_t ids_ = 0;
     std::int64_t comparisons_ = 0;
     bool declares_ids_ = false;
-    std::int64_t declared_ = 0;        // attributes in the document type, or more
-    std::int64_t parameter_words_ = 0; // in parameter entities
-    std::int64_t parameter_references_ = 0;
+    std::int64_t declared_ = 0;     // attributes in the document type, or more
+    bool may_declare_more_ = false; // parameter entities may
+    std::int64_t tags_ = 0;
     std::int64_t literal_tags_ = 0; // in entities
     std::int64_t most_in_scope_ = 0;
     std::vector<std::int64_t> in_scope_{0}; // namespaces at each depth
@@ -194,16 +199,11 @@ bool Scanner::skip_construct(std::string_view beginning, std::string_view ending
     return count_pieces(1);
 }
 
-// One whose target does not begin in ASCII may be none to libxml2, so that no tag may be in it.
+// Where no target stands, or one that is too long, libxml2 goes on as if a text stood there.
 bool Scanner::processing_instruction() {
-    const char target = ahead(2);
-    if (!starts_name(target))
-        return false;
-    const size_t tag = text_.find('<', at_ + 2);
-    if (static_cast<signed char>(target) > 0 || tag > text_.find("?>", at_ + 2))
-        return skip_construct("<?", "?>");
-    at_ = std::min(tag, text_.size());
-    return false;
+    const size_t target = at_ + 2;
+    const size_t end = text_.substr(target, name_limit + 1).find_first_of(" \t\n\r?");
+    return end != text_.npos && begins_name(first_character(text_.substr(target))) && skip_construct("<?", "?>");
 }
 
 bool Scanner::markup() {
@@ -225,17 +225,13 @@ bool Scanner::markup() {
 // A name, "=" and a value.
 bool Scanner::attribute(std::int64_t &attributes, std::int64_t &namespaces) {
     const size_t start = at_;
-    while (at_ < text_.size() && !is_blank(now()) && !is_quote(now()) &&
-           std::string_view("=<>/").find(now()) == std::string_view::npos)
-        ++at_;
+    at_ = next(ends_attribute_name);
     const std::string_view name = text_.substr(start, at_ - start);
-    while (is_blank(now()))
-        ++at_;
+    skip_blanks();
     if (name.empty() || now() != '=')
         return false;
     ++at_;
-    while (is_blank(now()))
-        ++at_;
+    skip_blanks();
     if (!is_quote(now()))
         return false;
     const char quote = text_[at_++];
@@ -258,11 +254,10 @@ bool Scanner::attribute(std::int64_t &attributes, std::int64_t &namespaces) {
 
 bool Scanner::start_tag() {
     ++at_;
-    while (at_ < text_.size() && !is_blank(now()) && now() != '/' && now() != '>' && now() != '<')
-        ++at_;
+    at_ = next(ends_tag_name);
     std::int64_t attributes = 0, namespaces = 0;
     for (;;) {
-        if (is_blank(now()))
+        if (is(now(), blank))
             ++at_;
         else if (now() == '>' || begins("/>"))
             return tag_is_whole(attributes, namespaces, now() == '/');
@@ -273,6 +268,7 @@ bool Scanner::start_tag() {
 
 bool Scanner::tag_is_whole(std::int64_t attributes, std::int64_t namespaces, bool is_empty) {
     at_ += is_empty ? 2 : 1;
+    ++tags_;
     const std::int64_t in_scope = in_scope_.back() + namespaces;
     most_in_scope_ = std::max(most_in_scope_, in_scope);
     const std::int64_t compared = attributes + declared_;
@@ -303,43 +299,46 @@ bool Scanner::document_type() {
             quote = now() == quote ? char{0} : quote;
         else if (is_quote(now()))
             quote = now();
-        else if (now() == '>')
-            return ++at_, true;
-        else if (now() == '[')
-            return ++at_, declarations();
+        else if (now() == '>' || now() == '[')
+            break;
     }
-    return false;
+    if (now() != '>' && now() != '[')
+        return false;
+    return text_[at_++] == '>' || declarations();
 }
 
 bool Scanner::declarations() {
-    while (now() != ']') {
-        const size_t before = at_;
-        if (is_blank(now())) {
-            ++at_;
-        } else if (now() == '%') {
-            ++parameter_references_;
-            at_ = std::min(text_.find(';', at_), text_.size());
-            at_ += at_ < text_.size();
-            if (text_.substr(before, at_ - before).find('<') != std::string_view::npos)
-                return at_ = before, false;
-        } else if (begins("<!--")) {
-            if (!skip_construct("<!--", "-->"))
-                return false;
-        } else if (begins("<?")) {
-            if (!processing_instruction())
-                return false;
-        } else if (!begins("<!") || !declaration()) {
+    while (now() != ']')
+        if (!part_of_declarations())
             return false;
-        }
-    }
     ++at_;
-    while (is_blank(now()))
-        ++at_;
+    skip_blanks();
     if (now() != '>')
         return false;
     ++at_;
-    constexpr std::int64_t most = JXML_WORD_LIMIT;
-    return count_words(std::min(parameter_words_, most) * std::min(parameter_references_, most));
+    return true;
+}
+
+bool Scanner::part_of_declarations() {
+    if (begins("<!--"))
+        return skip_construct("<!--", "-->");
+    if (begins("<?"))
+        return processing_instruction();
+    if (begins("<!"))
+        return declaration();
+    if (now() == '%')
+        return parameter_reference();
+    const bool is_space = is(now(), blank);
+    skip_blanks();
+    return is_space;
+}
+
+bool Scanner::parameter_reference() {
+    const size_t end = text_.find_first_of(";<", at_);
+    if (end == text_.npos || text_[end] == '<')
+        return false;
+    at_ = end + 1;
+    return true;
 }
 
 // From "<!" to ">": words, and texts in quotes.
@@ -356,11 +355,11 @@ bool Scanner::declaration() {
             continue;
         }
         of_parameter = of_parameter || (of_entity && now() == '%');
-        const bool is_part = !is_blank(now()) && std::string_view("()|,").find(now()) == std::string_view::npos;
+        const bool is_part = !is(now(), ends_declared_word);
         if (is_part && !in_word) {
             if (!count_words(1))
                 return false;
-            if (begins("ID") && is_blank(ahead(2)))
+            if (begins("ID") && is(ahead(2), blank))
                 declares_ids_ = true;
         }
         declared_ += is_part && !in_word && of_attributes;
@@ -377,21 +376,19 @@ bool Scanner::literal(bool of_attributes, bool of_parameter) {
     const char quote = text_[at_];
     const size_t end = text_.find(quote, at_ + 1);
     if (end == text_.npos)
-        return at_ = text_.size(), false;
+        return false;
     const std::string_view value = text_.substr(at_ + 1, end - at_ - 1);
     at_ = end + 1;
-    std::int64_t tags = 0, attributes = 0, references = 0, words = 1;
+    std::int64_t tags = 0, attributes = 0, references = 0;
     for (size_t i = 0; i < value.size(); ++i) {
         const bool is_character = value.substr(i, 2) == "&#";
         tags += value[i] == '<' || is_character;
         attributes += value[i] == '=' || is_character;
         references += value[i] == '&';
-        words += is_blank(value[i]) || value[i] == '|' || is_character;
     }
     declared_ += of_attributes;
-    parameter_words_ += of_parameter ? words : 0;
-    if (of_parameter && (references > 0 || value.find("ID") != value.npos))
-        declares_ids_ = true;
+    declares_ids_ = declares_ids_ || (of_parameter && (references > 0 || value.find("ID") != value.npos));
+    may_declare_more_ = may_declare_more_ || (of_parameter && (references > 0 || value.find("ATTLIST") != value.npos));
     literal_tags_ += tags;
     if (tags == 0)
         attributes = 0; // they are text
@@ -402,18 +399,27 @@ bool Scanner::literal(bool of_attributes, bool of_parameter) {
 
 // ---- all of it
 
-jxml_refusal Scanner::run() {
-    if (begins("<?xml")) // when the declaration is broken, libxml2 goes on behind the next ">"
+// To the next "<"; false when that is one reference too many.
+bool Scanner::skip_text() {
+    const size_t end = std::min(text_.find('<', at_), text_.size());
+    const std::int64_t references = std::count(text_.begin() + at_, text_.begin() + end, '&');
+    at_ = end;
+    return references == 0 || count_pieces(references);
+}
+
+// How many words parameter entities may expand to. Two of them can make an attribute with a default, with which those
+// of every tag are compared.
+long Scanner::parameter_words() const {
+    if (!may_declare_more_)
+        return JXML_PARAMETER_LIMIT;
+    const auto comparisons_of_a_tag = JXML_COMPARISON_LIMIT / std::max<std::int64_t>(tags_ + literal_tags_, 1);
+    return std::min(JXML_PARAMETER_LIMIT, 2 * std::lround(std::sqrt(comparisons_of_a_tag)));
+}
+
+jxml_bounds Scanner::run() {
+    if (begins("<?xml") && is(ahead(5), blank)) // when the declaration is broken, libxml2 goes on after the next ">"
         at_ = std::min(text_.find('>'), text_.size() - 1) + 1;
-    while (at_ < text_.size()) {
-        if (now() == '<') {
-            if (!markup())
-                break;
-            continue;
-        }
-        if (now() == '&' && !count_pieces(1))
-            break;
-        ++at_;
+    while (skip_text() && at_ < text_.size() && markup()) {
     }
     // No product here overflows: what is beyond these has been refused.
     constexpr std::int64_t most_declared = JXML_WORD_LIMIT;
@@ -422,47 +428,22 @@ jxml_refusal Scanner::run() {
                   std::numeric_limits<std::int64_t>::max() / JXML_PIECE_LIMIT);
     if (!refusal_.format) // entities may be referred to at any place
         compare(literal_tags_ * (declared_ * declared_ + most_in_scope_));
-    return refusal_;
-}
-
-// Whether libxml2 will read the text in an encoding in which its markup can be seen.
-bool is_transparent(const std::vector<std::string> &encodings, bool utf16) {
-    return std::all_of(encodings.begin(), encodings.end(), [utf16](const std::string &name) {
-        if (is_utf16(name) || is_utf8(name))
-            return true;
-        return !utf16 && std::any_of(std::begin(transparent_encodings), std::end(transparent_encodings),
-                                     [&name](std::string_view start) { return name.starts_with(start); });
-    });
+    return {refusal_, parameter_words()};
 }
 
 } // namespace
 
-static jxml_refusal check(std::string_view *text) {
-    const Width width = width_of(*text);
-    const bool utf16 = width == Width::utf16_little || width == Width::utf16_big;
-    std::string narrow;
-    std::string_view seen = *text;
-    if (utf16)
-        seen = narrow = narrowed(*text, width);
-    const size_t mark = seen.starts_with("\xEF\xBB\xBF") ? 3 : utf16 && seen.starts_with('\x80') ? 1 : 0;
-    seen.remove_prefix(mark);
-    const std::vector<std::string> encodings = declared_encodings(seen);
-    if (width == Width::unknown || !is_transparent(encodings, utf16))
-        return {"the encoding of %s is not supported", 0};
-    const bool utf8 = !utf16 && std::all_of(encodings.begin(), encodings.end(), is_utf8);
-    seen = seen.substr(0, impossible_character(seen, utf8) + 1);
-    Scanner scanner(seen);
-    const jxml_refusal refusal = scanner.run();
-    // With what a parser looks at when it gives up.
-    const size_t end = mark + std::min(scanner.end() + 1, seen.size());
-    *text = text->substr(0, utf16 ? 2 * end : end);
-    return refusal;
-}
-
-jxml_refusal jxml_bounds_check(std::string_view *text) {
+jxml_bounds jxml_bounds_check(std::string_view *text) {
     try {
-        return check(text);
+        constexpr std::string_view mark = "\xEF\xBB\xBF";
+        const size_t start = text->starts_with(mark) ? mark.size() : 0;
+        const std::string_view seen = text->substr(start, impossible_character(*text) + 1 - start);
+        Scanner scanner(seen);
+        const jxml_bounds bounds = scanner.run();
+        // With what a parser looks at when it gives up.
+        *text = text->substr(0, start + std::min(scanner.end() + 1, seen.size()));
+        return bounds;
     } catch (const std::bad_alloc &) {
-        return {"out of memory for %s", 0};
+        return {{"out of memory for %s", 0}, 0};
     }
 }

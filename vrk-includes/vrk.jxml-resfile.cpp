@@ -1,7 +1,7 @@
 // Resource files: numbered resources by type, and menus, in the document of a holder.
 #include <algorithm>
 #include <array>
-#include <cstdio>
+#include <cstring>
 #include <cwchar>
 #include <iterator>
 #include <string_view>
@@ -9,6 +9,7 @@
 #include "vrk.jxml-resfile.h"
 
 #include "vrk.pathname.h"
+#include "vrk.utf8.h"
 #include "vrk.wholefile.h"
 
 constexpr size_t LABEL_SIZE = 1024; // a label with its command and a terminating zero
@@ -35,7 +36,7 @@ static void append(t_atom *&end, const char *word) { atom_setsym(end++, gensym(w
 static void append(t_atom *&end, t_symbol *word) { atom_setsym(end++, word); }
 static void append(t_atom *&end, long number) { atom_setlong(end++, number); }
 
-// ROOT GROUP ELEMENT "attr" "number" NUMBER; returns what comes behind it.
+// ROOT GROUP ELEMENT "attr" "number" NUMBER; returns what comes after it.
 static t_atom *numbered_path(const t_jxmlfile *holder, t_symbol *element, long number, path_atoms &path) {
     t_atom *end = path.data();
     append(end, holder->root);
@@ -108,7 +109,7 @@ long jxmlresfile_get_resource(t_jxmlfile *holder, t_symbol *type, long number, t
     path_atoms path;
     const t_atom *end = numbered_path(holder, type, number, path);
     if (jxmlfile_get(holder, end - path.data(), path.data(), value_kind, count, result, verbose) == 0 || !verbose)
-        return 0; // a quiet caller looks at *count and *result
+        return 0; // a quiet caller looks at *count and *result (docs/compatibility.md)
     object_error(holder->owner, "cannot get resource %s number %ld", type->s_name, number);
     return -1;
 }
@@ -169,7 +170,7 @@ long jxmlresfile_count_menuitems(t_jxmlfile *holder, long menu, long *count, cha
     append(end, "menu-item");
     long counted = 0;
     if (!count_nodes(holder, path, end, &counted)) {
-        wchar_t number[24]; // the format asks for a wide text
+        wchar_t number[24]; // "%ls" asks for a wide text (docs/compatibility.md)
         std::swprintf(number, std::size(number), L"%ld", menu);
         object_error(holder->owner, "cannot count menu-items of %s %ls%s", holder->xmlpath[1]->s_name, number,
                      reason_of_failure(counted));
@@ -195,6 +196,20 @@ static std::string_view first_word(std::string_view text) {
     return text.substr(begin, end - begin);
 }
 
+// "LABEL/COMMAND", the label alone without a command; cut to a size that menus can hold.
+static t_symbol *labelled(const t_symbol *label, std::string_view command) {
+    char text[LABEL_SIZE] = "";
+    size_t length = 0;
+    for (const std::string_view part :
+         {std::string_view(label->s_name), std::string_view(command.empty() ? "" : "/"), command}) {
+        const size_t taken = vrk_whole_characters(part, LABEL_SIZE - 1 - length);
+        length += part.copy(text + length, taken);
+        if (taken < part.size())
+            break;
+    }
+    return gensym(text);
+}
+
 long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol *value_kind, short *count,
                               t_atom **result, char with_command, char verbose) {
     if (!is_ready_for_menus(holder))
@@ -216,19 +231,14 @@ long jxmlresfile_get_menuitem(t_jxmlfile *holder, long menu, long item, t_symbol
         return -1;
     }
     const t_symbol *label = taken_symbol(*count, *result);
-    char text[LABEL_SIZE];
-    std::snprintf(text, sizeof text, "%s", label->s_name);
+    std::string_view command;
     if (with_command && label != gensym("-")) {
         atom_setsym(kind, gensym("menu-command"));
         *count = room;
-        if (jxmlfile_get(holder, path_count, path.data(), value_kind, count, result, 0) == 0) {
-            const std::string_view command = first_word(taken_symbol(*count, *result)->s_name);
-            if (!command.empty())
-                std::snprintf(text, sizeof text, "%s/%.*s", label->s_name, static_cast<int>(command.size()),
-                              command.data());
-        }
+        if (jxmlfile_get(holder, path_count, path.data(), value_kind, count, result, 0) == 0)
+            command = first_word(taken_symbol(*count, *result)->s_name);
     }
-    atom_setsym(*result, gensym(text));
+    atom_setsym(*result, labelled(label, command));
     *count = 1;
     return 0;
 }
@@ -250,13 +260,15 @@ t_symbol *jxmlresfile_read(t_jxmlfile *holder, t_symbol *filename) {
     short path_id = 0;
     if (!located && holder && filename && can_be_made(holder, filename))
         jxmlfile_newdoc(holder, filename);
-    if (located && path_frompathname(located->s_name, &path_id, name) == 0)
-        jxmlfile_load(holder, name, path_id);
+    if (located) {
+        path_frompathname(located->s_name, &path_id, name);
+        jxmlfile_load(holder, name, path_id); // reports a path that could not be split
+    }
     return located;
 }
 
 void jxmlresfile_open(t_jxmlfile *holder) {
-    if (holder && holder->loaded && holder->doc)
+    if (holder && holder->loaded)
         jxmlfile_open(holder);
     else
         ouchstring("No xml file loaded");

@@ -10,25 +10,16 @@
 #include <string_view>
 #include <utility>
 
-#include <libxml/entities.h>
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
 
 #include "vrk.jxmlfile.h"
 
-#include "vrk.jxml-bounds.h"
+#include "vrk.jxml-parse.h"
 #include "vrk.numbers.h"
 #include "vrk.pathname.h"
+#include "vrk.utf8.h"
 #include "vrk.wholefile.h"
-
-// Blanks between elements are dropped, and texts of a few bytes stand in their nodes: nothing here writes into the
-// content of a node, which then is no block of its own. The other options keep libxml2 quiet and off the network;
-// entities are neither replaced nor loaded.
-constexpr int PARSE_OPTIONS =
-    XML_PARSE_NOBLANKS | XML_PARSE_COMPACT | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
-
-constexpr size_t EXPANSION_LIMIT = 10'000'000; // bytes that all entity references of a document may expand to
-constexpr int ENTITY_NESTING_LIMIT = 64;       // libxml2 refuses entities that are nested deeper than 40
 
 // What libxml2 writes but refuses to read again.
 constexpr size_t TEXT_LIMIT = XML_MAX_TEXT_LENGTH;                // bytes of a text, digits of a CDATA section
@@ -40,8 +31,9 @@ constexpr size_t STEP_SIZE = 128;   // one step of an expression, and each of it
 constexpr size_t NUMBER_SIZE = 328; // any number as text: a double prints as 318 characters at most
 constexpr size_t TAG_LINE_SIZE = 1024;
 
-// Ends an evaluation that would take minutes. The paths of resource files need about ten operations for each element.
-constexpr unsigned long EVALUATION_LIMIT = 10 * JXML_PIECE_LIMIT;
+// Ends an evaluation that would take minutes: libxml2 alone needs 1.5 to 3 seconds for so many operations. The paths of
+// resource files need about ten for each element.
+constexpr unsigned long EVALUATION_LIMIT = 60'000'000;
 
 // The libxml2 that evaluations can be limited with. The one that is there when the program runs may be older than the
 // headers, and its contexts shorter.
@@ -64,21 +56,13 @@ struct bounded_text {
     bool fits;
 };
 
-// How many bytes of a text to take when there is room for `room` of them, less than it has: whole UTF-8 characters.
-static size_t whole_characters(const char *text, size_t room) {
-    while (room > 0 && (text[room] & 0xC0) == 0x80)
-        --room;
-    return room;
-}
-
 // Appends as much as fits, in whole UTF-8 characters.
 static void append(bounded_text *to, const char *piece) {
     if (!to->fits)
         return;
-    const size_t wanted = std::strlen(piece);
-    const size_t room = to->size - 1 - to->length;
-    to->fits = wanted <= room;
-    const size_t taken = to->fits ? wanted : whole_characters(piece, room);
+    const std::string_view wanted(piece);
+    const size_t taken = vrk_whole_characters(wanted, to->size - 1 - to->length);
+    to->fits = taken == wanted.size();
     std::memcpy(to->text + to->length, piece, taken);
     to->length += taken;
     to->text[to->length] = '\0';
@@ -200,17 +184,20 @@ static const char *unholdable(const char *text) {
     return nullptr;
 }
 
+// Reports the place in a text from which on XML cannot hold it.
+static long unholdable_error(const t_jxmlfile *holder, std::ptrdiff_t place) {
+    object_error(holder->owner, "text cannot be held by xml (byte %ld)", static_cast<long>(place) + 1);
+    return -1;
+}
+
 // Whether a text survives being written and read again; says why when it does not.
 static bool can_hold_text(t_jxmlfile *holder, const char *text, size_t length) {
     if (length > TEXT_LIMIT) {
         object_error(holder->owner, "text is too long for xml (more than %ld bytes)", static_cast<long>(TEXT_LIMIT));
         return false;
     }
-    if (const char *place = unholdable(text)) {
-        object_error(holder->owner, "text cannot be held by xml (byte %ld)", static_cast<long>(place - text) + 1);
-        return false;
-    }
-    return true;
+    const char *place = unholdable(text);
+    return !place || unholdable_error(holder, place - text) == 0;
 }
 
 // A name of nothing but ASCII letters, digits and "_-.", as nearly all are.
@@ -234,119 +221,7 @@ static bool is_xml_name(const char *name) {
     return !colon || (colon != name && colon[1] != '\0' && !std::strchr(colon + 1, ':'));
 }
 
-// ---- parsing, and the bound on entities
-
-// The sizes below stop growing here, so that they can be added without a thought.
-static size_t bounded_sum(size_t a, size_t b) { return std::min(a + b, EXPANSION_LIMIT + 1); }
-
-static size_t expansion(xmlDocPtr doc, xmlNodePtr first, int nesting);
-
-// The bytes that a reference to an entity stands for, remembered (plus one) where libxml2 leaves room for applications.
-static size_t entity_expansion(xmlDocPtr doc, const xmlChar *name, int nesting) {
-    xmlEntityPtr entity = xmlGetDocEntity(doc, name);
-    if (!entity) // a document type in another file may declare it
-        return 0;
-    if (!entity->_private) {
-        size_t size = EXPANSION_LIMIT + 1;
-        if (nesting < ENTITY_NESTING_LIMIT) // GCOVR_EXCL_BR_LINE: libxml2 has refused the others
-            size = entity->children ? expansion(doc, entity->children, nesting + 1)
-                                    : bounded_sum(0, static_cast<size_t>(std::max(entity->length, 0)));
-        entity->_private = reinterpret_cast<void *>(size + 1);
-    }
-    return reinterpret_cast<size_t>(entity->_private) - 1;
-}
-
-// The node that follows in document order without leaving `top`; null at the end. Only elements are entered: the
-// children of an entity reference are the entity's own declaration.
-static xmlNodePtr next_within(xmlNodePtr node, const xmlNode *top) {
-    if (node->type == XML_ELEMENT_NODE && node->children)
-        return node->children;
-    while (node != top && !node->next)
-        node = node->parent;
-    return node == top ? nullptr : node->next;
-}
-
-// What one node adds to an expansion. Text counts inside of entities only: a document may be as long as it likes.
-static size_t node_expansion(xmlDocPtr doc, const xmlNode *node, int nesting) {
-    size_t size = 0;
-    if (node->type == XML_ENTITY_REF_NODE) {
-        size = entity_expansion(doc, node->name, nesting);
-    } else if (node->type == XML_ELEMENT_NODE) {
-        for (const xmlAttr *attribute = node->properties; attribute; attribute = attribute->next)
-            size = bounded_sum(size, expansion(doc, attribute->children, nesting));
-    } else if (nesting > 0 && node->content && (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE)) {
-        size = bounded_sum(0, std::strlen(as_text(node->content)));
-    }
-    return size;
-}
-
-// The bytes that the entity references in a list of siblings expand to, with all that is below them. Nothing is
-// expanded on the way.
-static size_t expansion(xmlDocPtr doc, xmlNodePtr first, int nesting) {
-    size_t size = 0;
-    for (xmlNodePtr top = first; top; top = top->next)
-        for (xmlNodePtr node = top; node && size <= EXPANSION_LIMIT; node = next_within(node, top))
-            size = bounded_sum(size, node_expansion(doc, node, nesting));
-    return size;
-}
-
-// A parsed document when it can be worked with, else null; says why not. A few kilobytes of entities can stand for
-// gigabytes of text, and libxml2 would produce them when the content is asked for.
-static xml_doc accepted(t_jxmlfile *holder, xml_doc document, const char *name) {
-    if (document && document->intSubset && expansion(document.get(), document->children, 0) > EXPANSION_LIMIT) {
-        object_error(holder->owner, "entities of %s expand to more than %ld bytes", name,
-                     static_cast<long>(EXPANSION_LIMIT));
-        document.reset();
-    }
-    if (!document)
-        object_error(holder->owner, "unable to parse file %s", name);
-    return document;
-}
-
-// Looks a text through before libxml2 does; false when it is not to be read, which has been reported.
-static bool is_bounded(const t_jxmlfile *holder, std::string_view *text, const char *name) {
-    const jxml_refusal refusal = jxml_bounds_check(text);
-    if (refusal.format)
-        object_error(holder->owner, refusal.format, name, refusal.limit);
-    return !refusal.format;
-}
-
-// Hands the rest of a text to libxml2 piece by piece. From memory at once it would not read more than ten megabytes.
-static int take_piece(void *rest, char *buffer, int size) {
-    auto *text = static_cast<std::string_view *>(rest);
-    const size_t taken = text->copy(buffer, static_cast<size_t>(size));
-    text->remove_prefix(taken);
-    return static_cast<int>(taken);
-}
-
-// Has a parser in which memory ran out while it had so many inputs let itself be freed: libxml2 2.9.14 frees an input
-// that it opens after that, and keeps it; and it leaves the name of an encoder away, without which it never releases
-// it.
-static void mend_parser(xmlParserCtxt *parser, int inputs, xml_text encoder_name) {
-    parser->inputNr = std::min(parser->inputNr, inputs);
-    const xmlParserInputBuffer *document = parser->inputNr > 0 ? parser->inputTab[0]->buf : nullptr;
-    if (document && document->encoder && !document->encoder->name)
-        document->encoder->name = reinterpret_cast<char *>(encoder_name.release());
-}
-
-// The document of a text; null when it does not parse. `url` is where the text comes from, or null.
-static xml_doc parsed(const t_jxmlfile *holder, std::string_view text, const char *name, const char *url) {
-    quiet_libxml quiet;
-    const xml_parser parser(xmlNewParserCtxt());
-    xml_text encoder_name(xmlStrdup(as_xml("of the document"))); // while there is memory
-    if (!parser || !encoder_name)
-        return nullptr;
-    quiet.watch(parser.get());
-    xmlDictSetLimit(parser->dict, JXML_NAME_BYTES); // its table does not grow with it, so that it gets slow
-    xml_doc document(xmlCtxtReadIO(parser.get(), take_piece, nullptr, &text, url, nullptr, PARSE_OPTIONS));
-    if (quiet.out_of_memory()) // something of it may be missing
-        document.reset();
-    mend_parser(parser.get(), quiet.inputs_left(), std::move(encoder_name));
-    xmlDictSetLimit(parser->dict, 0); // the document goes on with it
-    if (!document && xmlDictGetUsage(parser->dict) > JXML_NAME_BYTES / 2)
-        object_error(holder->owner, "names in %s take more than %ld bytes", name, static_cast<long>(JXML_NAME_BYTES));
-    return document;
-}
+// ---- the holder
 
 static void replace_document(t_jxmlfile *holder, xml_doc document) {
     jxml_index_free(std::exchange(holder->index, nullptr));
@@ -357,8 +232,6 @@ static void replace_document(t_jxmlfile *holder, xml_doc document) {
     }
     document.reset(); // a large document takes its time, nobody has to wait for it
 }
-
-// ---- the holder
 
 static std::atomic<long> living_holders{0};
 
@@ -473,7 +346,7 @@ static bool set_current_file(t_jxmlfile *holder, t_symbol *name) {
     if (!path)
         return not_found(holder, name->s_name);
     if (path == holder->file_path) {
-        holder->loaded = 1; // meant, even when its parse has failed: naming the current file counts as having it
+        holder->loaded = 1; // even when its parse has failed: naming the current file counts as having it
         return true;
     }
     holder->loaded = 0;
@@ -491,7 +364,7 @@ void jxmlfile_read(t_jxmlfile *holder, t_symbol *name) {
     if (!holder)
         return;
     jxmlfile_filename(holder, name);
-    qelem_set(holder->read_qelem); // meant, even when the name was not found
+    qelem_set(holder->read_qelem); // even when the name was not found: the current file is then read again
 }
 
 void jxmlfile_doread(t_jxmlfile *holder) {
@@ -500,15 +373,14 @@ void jxmlfile_doread(t_jxmlfile *holder) {
     const char *path = holder->file_path->s_name;
     size_t size = 0;
     const malloc_array<char> bytes(vrk_read_file(path, &size));
-    std::string_view text(bytes.get(), bytes ? size : 0);
-    const bool is_bounded_text = bytes && is_bounded(holder, &text, path);
+    jxml_text text;
     xml_doc document;
-    {
+    if (bytes && jxml_look_through(holder->owner, std::string_view(bytes.get(), size), path, &text)) {
         const critical_section region;
-        if (is_bounded_text)
-            document = parsed(holder, text, path, path);
+        document = jxml_parse(holder->owner, text, path, path);
     }
-    document = accepted(holder, std::move(document), path);
+    if (!document)
+        object_error(holder->owner, "unable to parse file %s", path);
     holder->loaded = document ? 1 : 0;
     replace_document(holder, std::move(document));
 }
@@ -523,17 +395,17 @@ static bool begins_as_xml(t_filehandle file) {
     return error == MAX_ERR_NONE && std::memcmp(bytes, beginning, sizeof bytes) == 0;
 }
 
-// The native path of a file that exists; null when the host cannot give it.
+// The native path that a file has or would have; null when the host cannot give it.
 static t_symbol *full_path(const t_jxmlfile *holder, const char *filename, short path_id) {
     char path[MAX_PATH_CHARS] = "";
-    return path_topathname(path_id, filename, path) == 0 ? native_path(holder, gensym(path)) : nullptr;
+    return path_topotentialname(path_id, filename, path, 0) == 0 ? native_path(holder, gensym(path)) : nullptr;
 }
 
 short jxmlfile_load(t_jxmlfile *holder, const char *filename, short path_id) {
     if (!holder || !filename)
         return 0;
     t_symbol *path = full_path(holder, filename, path_id);
-    if (path && path == holder->file_path && !availability(holder))
+    if (path && path == holder->file_path && holder->loaded)
         return 1;
     t_filehandle file = nullptr;
     if (const short error = path_opensysfile(filename, path_id, &file, PATH_READ_PERM)) {
@@ -602,7 +474,7 @@ void jxmlfile_writeagain(t_jxmlfile *holder) {
 void jxmlfile_dowrite(t_jxmlfile *holder) {
     if (!holder || !holder->write_path)
         return;
-    vrk_save_document(holder->write_path, holder->doc); // meant: a failed write is not reported
+    vrk_save_document(holder->write_path, holder->doc); // callers that report a failure call it themselves
     holder->file_path = holder->write_path;
     vrk_set_editorfile_from_pathname(holder->editor, holder->file_path);
 }
@@ -614,7 +486,7 @@ static t_atom *take_atom(long *argc, t_atom **argv) {
     return (*argv)++;
 }
 
-// The filter behind the symbol "attr": a name and a value. Values are not quoted.
+// The filter after the symbol "attr": a name and a value. Values are not quoted.
 static void append_filter(bounded_text *expression, long *argc, t_atom **argv) {
     if (*argc <= 0)
         return;
@@ -662,10 +534,10 @@ static bool append_expression(long *argc, t_atom **argv, char *buffer) {
             append(&expression, '[');
             append(&expression, number_text(atom, number));
             append(&expression, ']');
-        } // else left out: a float is meant to be no position
+        } // else left out: a float is not a position (docs/compatibility.md)
     }
     if (!expression.fits)
-        std::memcpy(buffer + whole_characters(buffer, std::min(expression.length, expression.size - 2)), "[", 2);
+        std::memcpy(buffer + vrk_whole_characters(buffer, expression.size - 2), "[", 2);
     return expression.fits;
 }
 
@@ -689,7 +561,8 @@ static xpath_context new_context(t_jxmlfile *holder) {
 }
 
 // xmlXPathEvalExpression in its own steps, but that the stack is made first: when memory runs out for it, libxml2 2.9
-// releases the run and goes on with it. Null without memory as well; what has been found by then could be a part.
+// releases the run and goes on with it. Text after an expression makes it malformed, whichever version is there. Null
+// without memory as well; what has been found by then could be a part.
 static xpath_object run_expression(xmlXPathContextPtr context, const char *expression) {
     const quiet_libxml quiet;
     if (!xml_text(static_cast<xmlChar *>(xmlMalloc(EVALUATION_MEMORY))))
@@ -703,7 +576,7 @@ static xpath_object run_expression(xmlXPathContextPtr context, const char *expre
     run->valueMax = depth;
     xmlXPathEvalExpr(run.get());
     xpath_object found(run->error == XPATH_EXPRESSION_OK ? valuePop(run.get()) : nullptr);
-    if (quiet.out_of_memory())
+    if (*run->cur || quiet.out_of_memory()) // up to 2.9.4 text after the expression is left to the caller
         found.reset();
     return found;
 }
@@ -716,7 +589,7 @@ static xpath_object evaluate(t_jxmlfile *holder, xmlXPathContextPtr context, con
     return found;
 }
 
-long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xpath_object *out) {
+long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xmlXPathObjectPtr *out) {
     char expression[JXMLFILE_EXPRESSION_SIZE] = "";
     append_expression(argc, argv, expression);
     if (!holder->doc)
@@ -724,7 +597,7 @@ long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xpath_o
     const xpath_context context = new_context(holder);
     if (!context)
         return -4;
-    *out = evaluate(holder, context.get(), expression);
+    *out = evaluate(holder, context.get(), expression).release();
     return *out ? 0 : -1;
 }
 
@@ -782,10 +655,10 @@ long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
     return 0;
 }
 
-// Whether an element can be changed; says why not. XPath leads into the declarations of entities, which libxml2 writes
-// as they were read: what is changed there would be lost.
-static bool can_be_changed(const t_jxmlfile *holder, const xmlNode *element) {
-    const xmlNode *top = element->parent;
+// Whether a node can be changed; says why not. XPath leads into the declarations of entities, which libxml2 writes as
+// they were read: what is changed there would be lost.
+static bool can_be_changed(const t_jxmlfile *holder, const xmlNode *node) {
+    const xmlNode *top = node->parent;
     while (top->type == XML_ELEMENT_NODE)
         top = top->parent;
     if (top->type != XML_ENTITY_DECL)
@@ -838,7 +711,7 @@ static void copy_part(char (&part)[STEP_SIZE], const char *begin, const char *en
     part[end - begin] = '\0';
 }
 
-// Cuts a step at "[@", the "=" behind it and the "]" behind that; false when it is too long. Quotes around a value
+// Cuts a step at "[@", the "=" after it and the "]" after that; false when it is too long. Quotes around a value
 // stay part of it: the attribute is made as the path spells it.
 static bool split_step(const char *step, step_parts *parts) {
     const char *end = step + std::strlen(step);
@@ -869,7 +742,7 @@ static bool drop_position(char *name) {
     return true;
 }
 
-// Whether an element may be made under that name. A position is meant to stay part of the name ("resource[3]"): such
+// Whether an element may be made under that name. A position stays part of the name ("resource[3]"): such
 // an element lives in memory only, as no file that holds it can be read again.
 static bool is_element_name(const char *name) {
     if (is_plain_name(name)) // nearly always
@@ -881,11 +754,11 @@ static bool is_element_name(const char *name) {
     return is_xml_name(base);
 }
 
-static bool can_have_children(const xmlNode *element) {
+static bool can_have_children(const xmlNode *parent) {
     int depth = 0;
-    for (const xmlNode *node = element; node->type == XML_ELEMENT_NODE; node = node->parent) // up to the document
+    for (const xmlNode *node = parent; node->type == XML_ELEMENT_NODE; node = node->parent) // up to the document
         ++depth;
-    return depth < DEPTH_LIMIT;
+    return depth > 0 && depth < DEPTH_LIMIT;
 }
 
 static xmlNodePtr creation_error(t_jxmlfile *holder, const char *what, const char *prefix) {
@@ -928,14 +801,30 @@ static xmlNodePtr make_element(t_jxmlfile *holder, xmlNodePtr parent, const char
     return element;
 }
 
-// The first node that the whole expression selects, if it is an element; otherwise made. Walks the expression step by
-// step; every "/" ends a step, also one in a value. Each prefix is evaluated from the document's root, so that what
-// exists is always preferred.
+// Whether a node can be the target of a path: what has a content of its own, and stays when the evaluation is
+// forgotten.
+static bool has_content(const xmlNode *node) {
+    switch (node->type) {
+    case XML_ELEMENT_NODE:
+    case XML_ATTRIBUTE_NODE:
+    case XML_TEXT_NODE:
+    case XML_CDATA_SECTION_NODE:
+    case XML_COMMENT_NODE:
+    case XML_PI_NODE:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// The first node that the whole expression selects, if it has a content; otherwise an element that is made. Walks the
+// expression step by step; every "/" ends a step, also one in a value. Each prefix is evaluated from the document's
+// root, so that what exists is always preferred.
 static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io, char verbose) {
     xpath_context context;
     selection selected;
     xmlNodePtr current = *io;
-    bool is_element = true; // the last match; nothing can be made under another kind of node
+    bool is_target = true;  // the last match
     char *end = expression; // of a step
     char ending = '\0';
     do {
@@ -945,19 +834,19 @@ static long walk_expression(t_jxmlfile *holder, char *expression, xmlNodePtr *io
         if (const long failure = select_nodes(holder, &context, expression, &selected))
             return failure;
         if (xmlNodePtr match = selected.nodes.first) {
-            is_element = match->type == XML_ELEMENT_NODE;
-            current = is_element ? match : nullptr; // a namespace node dies with `selected`
+            is_target = has_content(match);
+            current = is_target ? match : nullptr; // a namespace node dies with `selected`
         } else if (current) {
             current = can_be_changed(holder, current) ? make_element(holder, current, step, expression) : nullptr;
             if (!current)
                 return -1;
-        } else if (!is_element) {
+        } else if (!is_target) {
             creation_error(holder, "node", expression);
             return -1;
         } // else the document has another root element, and there is nothing to make a node under
         *end = ending;
     } while (ending);
-    if (!is_element)
+    if (!is_target)
         return node_warning(holder, "invalid node at given path", verbose);
     if (current && !can_be_changed(holder, current))
         return -1;
@@ -1003,17 +892,19 @@ long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
 
 // ---- reading
 
-// A byte counts as a blank when it is not above 32 as a signed character: it is meant that a letter outside of ASCII
-// goes with the blanks next to it.
+// A byte counts as a blank when it is not above 32 as a signed character. A letter outside of ASCII goes with the
+// blanks next to it (docs/compatibility.md); how many texts have lost one stands in the holder.
 static bool is_blank(char byte) { return static_cast<signed char>(byte) <= 32; }
 
-// Cuts blanks off both ends.
-static char *trimmed(char *text) {
+static bool is_outside_ascii(char byte) { return static_cast<signed char>(byte) < 0; }
+
+// Cuts blanks off both ends; *lost becomes true when there was a letter among them.
+static char *trimmed(char *text, bool *lost) {
     char *end = text + std::strlen(text);
-    while (end > text && is_blank(end[-1]))
-        --end;
-    while (text < end && is_blank(*text))
-        ++text;
+    for (; end > text && is_blank(end[-1]); --end)
+        *lost = *lost || is_outside_ascii(end[-1]);
+    for (; text < end && is_blank(*text); ++text)
+        *lost = *lost || is_outside_ascii(*text);
     *end = '\0';
     return text;
 }
@@ -1042,7 +933,7 @@ static void set_value(t_atom *atom, t_symbol *value_kind, const char *text) {
 }
 
 // The value of each character as a hexadecimal digit. Every character is read on its own, and one that is no digit
-// counts as 0: it is meant that such content is read at all.
+// counts as 0: content with a wrong digit is read all the same.
 constexpr auto DIGIT_VALUES = [] {
     std::array<unsigned char, 256> values = {};
     for (unsigned char i = 0; i < 10; ++i)
@@ -1068,7 +959,7 @@ static long bytes_as_block(const xmlChar *digits, size_t size, short *count, t_a
     return 0;
 }
 
-// As many bytes as there is room for, an integer for each; they are meant to be signed.
+// As many bytes as there is room for, a signed integer for each (docs/compatibility.md).
 static long bytes_as_integers(const xmlChar *digits, size_t size, short *count, t_atom *result) {
     *count = static_cast<short>(std::min(size, static_cast<size_t>(*count)));
     for (short i = 0; i < *count; ++i)
@@ -1082,7 +973,8 @@ static long bytes_of_digits(const xmlChar *digits, short *count, t_atom *result)
 }
 
 // The content of an element; its first child decides whether it is text or bytes.
-static long element_content(xmlNodePtr element, t_symbol *value_kind, short *count, t_atom *result) {
+static long element_content(t_jxmlfile *holder, xmlNodePtr element, t_symbol *value_kind, short *count,
+                            t_atom *result) {
     const xmlNode *first = element->children;
     const bool is_bytes = first && first->type == XML_CDATA_SECTION_NODE;
     if (first && first->type != XML_TEXT_NODE && !is_bytes)
@@ -1097,7 +989,9 @@ static long element_content(xmlNodePtr element, t_symbol *value_kind, short *cou
     }
     if (is_bytes)
         return bytes_of_digits(digits ? digits : copy.get(), count, result);
-    set_value(result, value_kind, text ? text : trimmed(reinterpret_cast<char *>(copy.get())));
+    bool lost = false;
+    set_value(result, value_kind, text ? text : trimmed(reinterpret_cast<char *>(copy.get()), &lost));
+    holder->texts_cut += lost;
     *count = 1;
     return 0;
 }
@@ -1113,7 +1007,7 @@ long jxmlfile_get(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *value_k
     xmlNodePtr element = nullptr;
     if (const long failure = jxmlfile_get_node(holder, &argc, &argv, &element, verbose))
         return failure;
-    return element_content(element, value_kind, count, *result);
+    return element_content(holder, element, value_kind, count, *result);
 }
 
 // ---- writing
@@ -1232,8 +1126,8 @@ static long append_block(t_jxmlfile *holder, byte_buffer *digits, void *block) {
     return append_digits(holder, digits, std::string_view(static_cast<const char *>(block), sysmem_ptrsize(block)));
 }
 
-// Adds the bytes of one atom to the digits. Bytes that are given one by one are meant to be a text, in which a zero
-// leaves no trace.
+// Adds the bytes of one atom to the digits. Bytes that are given one by one are a text, in which a zero leaves
+// no trace.
 static long append_data(t_jxmlfile *holder, byte_buffer *digits, const t_atom *atom) {
     char byte = 0;
     switch (atom_gettype(atom)) {
@@ -1244,7 +1138,7 @@ static long append_data(t_jxmlfile *holder, byte_buffer *digits, const t_atom *a
         byte = low_byte(atom);
         return append_digits(holder, digits, std::string_view(&byte, byte ? 1 : 0));
     case A_OBJ:
-        digits->length = 0; // a block is meant to replace what came before it
+        digits->length = 0; // a block replaces what came before it (docs/compatibility.md)
         return append_block(holder, digits, atom_getobj(atom));
     default:
         return 0;
@@ -1259,14 +1153,20 @@ static long gather_digits(t_jxmlfile *holder, byte_buffer *digits, long argc, co
     return failure;
 }
 
+// Reports a text that libxml2 has not stored.
+static long text_error(const t_jxmlfile *holder, std::string_view text) {
+    constexpr size_t shown = 1000; // more has no room on a console line
+    object_error(holder->owner, "unable to create text data %.*s (err %ld)",
+                 static_cast<int>(vrk_whole_characters(text, shown)), text.data(), -1L);
+    return -1;
+}
+
 // Makes a text the only content of an element; an empty one leaves the element empty, as it would be read from a file.
 // The text goes in as a node: xmlNodeSetContent would take "&" for a reference.
 static long store_text(t_jxmlfile *holder, xmlNodePtr element, const char *text) {
     xml_node node(*text ? xmlNewDocText(holder->doc, as_xml(text)) : nullptr);
-    if (*text && (!node || !node->content)) {
-        object_error(holder->owner, "unable to create text data %.1000s (err %ld)", text, -1L);
-        return -1;
-    }
+    if (*text && (!node || !node->content))
+        return text_error(holder, text);
     if (element->children) {
         jxml_index_emptied(holder->index, element);
         xmlNodeSetContent(element, nullptr);
@@ -1287,40 +1187,6 @@ static long store_cdata(t_jxmlfile *holder, xmlNodePtr element, const byte_buffe
     else
         xmlAddChild(element, node.release());
     return 0;
-}
-
-// The index of the atom that ends the path, "text" or "cdata"; argc when there is none.
-static long find_keyword(long argc, const t_atom *argv) {
-    const keyword_symbols &words = keywords();
-    const auto is_keyword = [&words](const t_symbol *word) { return word == words.text || word == words.cdata; };
-    long i = 0;
-    while (i < argc && !is_keyword(atom_getsym(argv + i)))
-        ++i;
-    return i;
-}
-
-long jxmlfile_set(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
-    long path_count = find_keyword(argc, argv);
-    const bool has_keyword = path_count < argc;
-    const bool as_cdata = has_keyword && atom_getsym(argv + path_count) == keywords().cdata;
-    const t_atom *data = has_keyword ? argv + path_count + 1 : nullptr;
-    const long data_count = has_keyword ? argc - path_count - 1 : 0;
-    const owned_blocks blocks(as_cdata ? data_count : 0, data);
-    if (const long refusal = availability(holder))
-        return refusal;
-    if (!has_keyword)
-        return -2;
-    byte_buffer buffer; // filled before the path is walked, so that nothing is made for what cannot be stored
-    const char *text = nullptr;
-    if (const long failure = as_cdata ? gather_digits(holder, &buffer, data_count, data)
-                                      : gather_text(holder, &buffer, data_count, data, &text))
-        return failure;
-    xmlNodePtr element = nullptr;
-    if (const long failure = jxmlfile_set_node(holder, &path_count, &argv, &element, verbose))
-        return failure;
-    if (!element)
-        return 0; // meant: under another root there is nothing to do
-    return as_cdata ? store_cdata(holder, element, buffer) : store_text(holder, element, text);
 }
 
 long jxmlfile_delete(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
@@ -1431,6 +1297,82 @@ static bool can_hold_attribute(t_jxmlfile *holder, xmlNode *element, const char 
     return true;
 }
 
+// ---- setting
+
+// Sets an attribute where it stands.
+static long store_attribute(t_jxmlfile *holder, const xmlAttr *attribute, const char *value) {
+    xmlNodePtr element = attribute->parent;
+    const char *name = as_text(attribute->name);
+    if (!can_hold_attribute(holder, element, name, value))
+        return -1;
+    jxml_index_attribute_lost(holder->index, element, name);
+    const bool is_set = is_whole(xmlSetNsProp(element, attribute->ns, attribute->name, as_xml(value)), value);
+    jxml_index_attribute_set(holder->index, element, name);
+    return is_set ? 0 : text_error(holder, value);
+}
+
+// The place in a text that would end a comment or an instruction before its end; null when there is none.
+static const char *early_end(const xmlNode *node, const char *text) {
+    if (node->type == XML_PI_NODE)
+        return std::strstr(text, "?>");
+    if (node->type != XML_COMMENT_NODE)
+        return nullptr;
+    const size_t length = std::strlen(text);
+    const char *place = std::strstr(text, "--");
+    return !place && length > 0 && text[length - 1] == '-' ? text + length - 1 : place;
+}
+
+// Makes a text the only content of a node of any kind.
+static long store_content(t_jxmlfile *holder, xmlNodePtr node, const char *text) {
+    if (node->type == XML_ELEMENT_NODE)
+        return store_text(holder, node, text);
+    if (node->type == XML_ATTRIBUTE_NODE)
+        return store_attribute(holder, reinterpret_cast<const xmlAttr *>(node), text);
+    if (const char *place = early_end(node, text))
+        return unholdable_error(holder, place - text);
+    xmlNodeSetContent(node, as_xml(text));
+    return node->content ? 0 : text_error(holder, text);
+}
+
+// The index of the atom that ends the path, "text" or "cdata"; argc when there is none.
+static long find_keyword(long argc, const t_atom *argv) {
+    const keyword_symbols &words = keywords();
+    const auto is_keyword = [&words](const t_symbol *word) { return word == words.text || word == words.cdata; };
+    long i = 0;
+    while (i < argc && !is_keyword(atom_getsym(argv + i)))
+        ++i;
+    return i;
+}
+
+long jxmlfile_set(t_jxmlfile *holder, long argc, t_atom *argv, char verbose) {
+    long path_count = find_keyword(argc, argv);
+    const bool has_keyword = path_count < argc;
+    const bool as_cdata = has_keyword && atom_getsym(argv + path_count) == keywords().cdata;
+    const t_atom *data = has_keyword ? argv + path_count + 1 : nullptr;
+    const long data_count = has_keyword ? argc - path_count - 1 : 0;
+    const owned_blocks blocks(as_cdata ? data_count : 0, data);
+    if (const long refusal = availability(holder))
+        return refusal;
+    if (!has_keyword)
+        return -2;
+    byte_buffer buffer; // filled before the path is walked, so that nothing is made for what cannot be stored
+    const char *text = nullptr;
+    if (const long failure = as_cdata ? gather_digits(holder, &buffer, data_count, data)
+                                      : gather_text(holder, &buffer, data_count, data, &text))
+        return failure;
+    xmlNodePtr node = nullptr;
+    if (const long failure = jxmlfile_set_node(holder, &path_count, &argv, &node, verbose))
+        return failure;
+    if (!node)
+        return 0; // the document has another root, and no second one is made
+    if (!as_cdata)
+        return store_content(holder, node, text);
+    return node->type == XML_ELEMENT_NODE ? store_cdata(holder, node, buffer)
+                                          : node_warning(holder, "invalid node at given path", verbose);
+}
+
+// ---- setting and removing attributes
+
 // Reports a name that is no symbol.
 static long name_error(t_jxmlfile *holder, const t_atom *name) {
     if (atom_gettype(name) == A_FLOAT)
@@ -1479,7 +1421,7 @@ long jxmlfile_deleteattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbo
     if (atom_gettype(argv) != A_SYM)
         return -1;
     jxml_index_attribute_lost(holder->index, element, atom_getsym(argv)->s_name);
-    xmlUnsetProp(element, as_xml(atom_getsym(argv)->s_name)); // releases it; that it need not be there is meant
+    xmlUnsetProp(element, as_xml(atom_getsym(argv)->s_name)); // releases it; it need not be there
     return 0;
 }
 
@@ -1535,15 +1477,14 @@ long jxmlfile_edsave(t_jxmlfile *holder, char **text, long size, const char *fil
     const long most = std::min<long>(size, INT_MAX); // libxml2 counts no more; a document that is cut does not parse
     const size_t length = bytes && size > 0 ? strnlen(bytes, static_cast<size_t>(most)) : 0;
     const char *name = filename ? filename : holder->write_path ? holder->write_path->s_name : "";
-    std::string_view edited(bytes, length);
+    jxml_text edited;
     xml_doc document;
-    if (is_bounded(holder, &edited, name))
-        document = parsed(holder, edited, name, filename);
-    document = accepted(holder, std::move(document), name);
-    if (document) { // else what was held stays, and its file is not overwritten with it
-        replace_document(holder, std::move(document));
-        write_edited(holder, filename, path_id);
-    }
+    if (jxml_look_through(holder->owner, std::string_view(bytes, length), name, &edited))
+        document = jxml_parse(holder->owner, edited, name, filename);
+    if (!document)
+        return -1; // what was held stays, and its file is not overwritten with it
+    replace_document(holder, std::move(document));
+    write_edited(holder, filename, path_id);
     return 1;
 }
 
@@ -1601,7 +1542,7 @@ void jxmlfile_print(t_jxmlfile *holder) {
         return;
     object_post(nullptr, "<%s>", as_text(root->name));
     jxmlfile_print_element_names(root->children);
-    object_post(nullptr, "\n<%s>", as_text(root->name)); // without a slash, and meant so
+    object_post(nullptr, "\n<%s>", as_text(root->name)); // without a slash (docs/compatibility.md)
 }
 
 void jxmlfile_bang(t_jxmlfile *holder) {

@@ -23,12 +23,14 @@ typedef struct _jxmlfile {
     void *read_qelem;     // runs jxmlfile_doread
     void *write_qelem;    // runs jxmlfile_dowrite
     jxml_index *index;    // answers plain paths; null at first
+    long texts_cut;       // so many texts have lost letters when they were trimmed by jxmlfile_get
 } t_jxmlfile;
 
 // Room for an XPath expression with its terminating zero.
 constexpr long JXMLFILE_EXPRESSION_SIZE = 2048;
 
-// Everything below: main thread. The setting of a queue element (jxmlfile_bang, jxmlfile_writeagain) may come from any.
+// Everything below: main thread. The setting of a queue element (jxmlfile_bang, jxmlfile_writeagain) may come from any,
+// and so may the accessors of "root" and "xmlpath".
 
 // ---- the holder
 
@@ -63,7 +65,8 @@ void jxmlfile_read(t_jxmlfile *holder, t_symbol *name);
 // Parses the current file now, in place of the document that was held; nothing without a current file.
 void jxmlfile_doread(t_jxmlfile *holder);
 
-// Reads a file at once. 1 when it was the loaded one before (nothing is read) or has been parsed, whether that went
+// Reads a file at once. 1 when it is the current one and `loaded` (nothing is read, also when the file is gone or there
+// is no document) or has been parsed, whether that went
 // well or not (see `loaded`); 0 when it cannot be opened or found or does not begin with the five bytes "<?xml": the
 // holder is then as before.
 short jxmlfile_load(t_jxmlfile *holder, const char *filename, short path_id);
@@ -89,7 +92,7 @@ void jxmlfile_dowrite(t_jxmlfile *holder);
 // unless it brings its own quote characters.
 
 // Appends the XPath expression of a path to *buffer, which holds JXMLFILE_EXPRESSION_SIZE bytes. The path is consumed:
-// *argc becomes 0 and *argv points behind it. An incomplete "attr" at the end leaves the expression as built so far.
+// *argc becomes 0 and *argv points after it. An incomplete "attr" at the end leaves the expression as built so far.
 // An expression that does not fit is cut and ends with "[", so that it can never be evaluated.
 void jxmlfile_to_xmlXPath(long *argc, t_atom **argv, char **buffer);
 
@@ -102,16 +105,18 @@ void jxmlfile_to_xmlXPath(long *argc, t_atom **argv, char **buffer);
 // of an entity (following::NAME can select it) is read, but to change it is refused with a console line and -1: the
 // declaration would be saved as it was.
 
-// What the path selects, in document order; *out owns it, and anything but a node set in it means that the expression
-// selects no nodes. Selecting nothing is a success. Nodes that *out holds may be namespace nodes, which die with it.
-long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xpath_object *out);
+// What the path selects, in document order, to be freed by the caller with xmlXPathFreeObject; anything but a node set
+// in it means that the expression selects no nodes. Selecting nothing is a success. Nodes that *out holds may be
+// namespace nodes, which die with it. Without success *out is left alone, or null.
+long jxmlfile_get_nodeset(t_jxmlfile *holder, long *argc, t_atom **argv, xmlXPathObjectPtr *out);
 
 // The first node that the path selects, which must be an element.
 long jxmlfile_get_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *out, char verbose);
 
-// The element at the path, made step by step where it is missing; elements made before a failing step stay. A step's
-// filter becomes an attribute of what is made, and a position becomes part of its name, so that no file that holds it
-// can be read again. *io is null going in. It is still null, with the result 0, when the first step is not the
+// The node at the path: an element, which is made step by step where it is missing, or an attribute, a text, a section,
+// a comment or an instruction that is there. Elements made before a failing step stay. A step's filter becomes an
+// attribute of what is made, and a position becomes part of its name, so that no file that holds it can be read again.
+// *io is null going in. It is still null, with the result 0, when the first step is not the
 // document's root element: a second root is never made.
 long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr *io, char verbose);
 
@@ -120,10 +125,11 @@ long jxmlfile_set_node(t_jxmlfile *holder, long *argc, t_atom **argv, xmlNodePtr
 const char *jxmlfile_plain_text(const xmlNode *element);
 
 // The content of the element at the path, into the array *result of *count atoms; *count becomes what was written.
-// Text is trimmed (bytes that are not above 32 as signed characters go from both ends) and becomes one atom by
-// `value_kind`: "int", "float", anything else a symbol; an element without children is an empty text. A CDATA section
-// is hexadecimal bytes: with room for one atom, one object atom with a block that the caller frees with sysmem_freeptr;
-// with more room, one integer from -128 to 127 for each byte that finds a place.
+// Text is trimmed (bytes that are not above 32 as signed characters go from both ends, letters outside of ASCII among
+// them, which `texts_cut` counts) and becomes one atom by `value_kind`: "int", "float", anything else a symbol; an
+// element without children is an empty text. A CDATA section is hexadecimal bytes: with room for one atom, one object
+// atom with a block that the caller frees with sysmem_freeptr; with more room, one integer from -128 to 127 for each
+// byte that finds a place.
 long jxmlfile_get(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *value_kind, short *count, t_atom **result,
                   char verbose);
 
@@ -131,14 +137,14 @@ long jxmlfile_get(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *value_k
 long jxmlfile_getattr(t_jxmlfile *holder, long argc, t_atom *argv, t_symbol *value_kind, short *count, t_atom **result,
                       char verbose);
 
-// PATH "text" DATA…: the atoms, separated by blanks, become the element's only content; the block of an object atom is
+// PATH "text" DATA…: the atoms, separated by blanks, become the node's only content; the block of an object atom is
 // taken as text up to its first zero and stays the caller's.
 // PATH "cdata" DATA…: symbols are taken as their bytes, numbers as one byte each (zeros are left out), as upper-case
 // hexadecimal in a CDATA section in place of the element's first child; the block of an object atom, with all its
 // bytes, replaces what came before it. Such blocks pass to the holder in every case, also when it refuses the call:
 // they are released with sysmem_freeptr, once, and are not to be touched afterwards.
-// Neither word: -2. Text that XML cannot hold, and more than libxml2 would read again, is refused with a console line
-// and -1 before anything is changed.
+// Only an element takes bytes. Neither word: -2. Text that XML cannot hold, and more than libxml2 would read again, is
+// refused with a console line and -1 before anything is changed.
 long jxmlfile_set(t_jxmlfile *holder, long argc, t_atom *argv, char verbose);
 
 // PATH NAME VALUE: sets an attribute of an element that exists. Refuses as jxmlfile_set does, and names that are none.
@@ -159,8 +165,10 @@ void jxmlfile_open(t_jxmlfile *holder);
 void jxmlfile_openeditor(t_jxmlfile *holder);
 
 // The owner forwards its editor's "edsave" and "edclose" here. Saving takes the text (at most `size` bytes, up to a
-// zero) as the document and queues its writing; always 1, as it is handled here. Text that does not parse is reported,
-// and then the document that was held stays and nothing is written. Without a `filename` the current file is written.
+// zero) as the document and queues its writing: 1. -1 when the text does not parse: then the document that was held
+// stays, nothing is written, and the console gets a line only for a text beyond a bound; xmlGetLastError() tells where
+// libxml2 has given up. Neither is 0, after which an editor saves the text by itself. Without a `filename` the current
+// file is written.
 long jxmlfile_edsave(t_jxmlfile *holder, char **text, long size, const char *filename, short path_id);
 void jxmlfile_edclose(t_jxmlfile *holder, char **text, long size);
 

@@ -11,7 +11,8 @@
 
 #include <libxml/xmlsave.h>
 
-#include "vrk.owners.h" // libxml2's and the system's headers come before the host's, whose macros could bite
+#include "vrk.jxml-encoding.h" // libxml2's and the system's headers come before the host's, whose macros could bite
+#include "vrk.owners.h"
 
 #include "vrk.pathname.h"
 #include "vrk.wholefile.h"
@@ -23,23 +24,23 @@ t_symbol *vrk_path_to_OSX_path(t_object *, t_symbol *pathname) {
     char native[MAX_PATH_CHARS] = "";
     if (pathname)
         path_nameconform(pathname->s_name, native, PATH_STYLE_SLASH, PATH_TYPE_BOOT);
-    return gensym(native); // nothing, rather than a half path, when the host has failed
+    return gensym(native); // whatever the host has left there when it has failed: nothing, in the embedded host
 }
 
 t_symbol *vrk_file_locate(t_symbol *filename) {
-    if (!filename || std::strlen(filename->s_name) >= MAX_PATH_CHARS)
+    const size_t length = filename ? std::strlen(filename->s_name) : MAX_PATH_CHARS;
+    if (length >= MAX_PATH_CHARS)
         return nullptr;
-    // Room for a full path, which may be looked up as well. On the stack: a file must not count as missing, and be made
-    // anew by the caller, because memory has run out.
-    char name[MAX_PATH_CHARS];
-    char path[MAX_PATH_CHARS] = "";
-    strncpy_zero(name, filename->s_name, sizeof name);
+    const size_t size = std::max<size_t>(length + 1, MAX_FILENAME_CHARS); // a full path may be looked up as well
+    const host_block<char> name(sysmem_newptrclear(size)), path(sysmem_newptrclear(MAX_PATH_CHARS));
+    if (!name || !path)
+        return nullptr;
+    strncpy_zero(name.get(), filename->s_name, static_cast<long>(size));
     short path_id = 0;
     t_fourcc type = 0;
-    if (locatefile_extended(name, &path_id, &type, nullptr, 0) != 0 ||
-        path_topotentialname(path_id, name, path, 0) != 0)
-        return nullptr;
-    return gensym(path);
+    const short failure = locatefile_extended(name.get(), &path_id, &type, nullptr, 0);
+    path_topotentialname(path_id, name.get(), path.get(), 0);
+    return failure ? nullptr : gensym(path.get());
 }
 
 void vrk_set_editorfile_from_pathname(t_object *editor, t_symbol *pathname) {
@@ -78,20 +79,6 @@ short vrk_path_tempfolder(const char *subfolder) {
     return own ? folder_in(own, subfolder) : short{0};
 }
 
-// What turns UTF-8 into the encoding of a document, null when it has none. False when its encoding is not known, or
-// when memory runs out: libxml2 then leaves the name of an encoder away, without which it never releases it.
-static bool find_encoder(const xmlDoc *doc, xmlCharEncodingHandlerPtr *encoder) {
-    *encoder = nullptr;
-    if (!doc->encoding)
-        return true;
-    xml_text name(xmlStrdup(doc->encoding));
-    if (name)
-        *encoder = xmlFindCharEncodingHandler((const char *)doc->encoding);
-    if (*encoder && !(*encoder)->name)
-        (*encoder)->name = (char *)name.release();
-    return *encoder;
-}
-
 // The text of a document, while it grows.
 struct document_text {
     malloc_array<char> bytes;
@@ -126,12 +113,12 @@ static int append_bytes(void *context, const char *bytes, int count) {
 // The text of a document in its own encoding. 0, or the error number of what failed.
 static int print_document(xmlDocPtr doc, document_text *text) {
     const quiet_libxml quiet;
-    xmlCharEncodingHandlerPtr encoder = nullptr;
-    if (!find_encoder(doc, &encoder))
+    xml_encoder encoder = doc->encoding ? jxml_find_encoder((const char *)doc->encoding) : nullptr;
+    if (!encoder && doc->encoding)
         return quiet.out_of_memory() ? ENOMEM : ENOTSUP;
-    xmlOutputBufferPtr output = xmlOutputBufferCreateIO(append_bytes, nullptr, text, encoder);
-    if (!output && encoder)
-        xmlCharEncCloseFunc(encoder);
+    xmlOutputBufferPtr output = xmlOutputBufferCreateIO(append_bytes, nullptr, text, encoder.get());
+    if (output)
+        (void)encoder.release(); // the buffer closes it
     return output && xmlSaveFileTo(output, doc, (const char *)doc->encoding) >= 0 ? 0 : ENOMEM;
 }
 

@@ -12,7 +12,7 @@
 t_symbol *vrk_path_to_OSX_path(t_object *owner, t_symbol *pathname);
 
 // The full host path name of a file, given by name (looked up in the search path) or by full path; null when there is
-// no such file. `filename` is not changed.
+// no such file, and when memory runs out: who makes a file that is missing has to look again. `filename` is not changed.
 t_symbol *vrk_file_locate(t_symbol *filename);
 
 // Tells an open host text editor which file it shows: its "filename" and its window's title. Nothing happens without

@@ -104,8 +104,10 @@ std::string change_nodes(t_jxmlfile *holder, XmlGenerator &generator, const std:
 XmlSelection selected_by_xpath(t_jxmlfile *holder, Atoms path) {
     t_atom *atoms = path.data();
     long count = static_cast<long>(path.size());
-    xpath_object found;
-    if (jxmlfile_get_nodeset(holder, &count, &atoms, &found) != 0 || found->type != XPATH_NODESET)
+    xmlXPathObjectPtr given = nullptr;
+    const long failure = jxmlfile_get_nodeset(holder, &count, &atoms, &given);
+    const xpath_object found(given);
+    if (failure || found->type != XPATH_NODESET)
         return {-1, nullptr};
     const xmlNodeSet *set = found->nodesetval;
     if (!set || set->nodeNr == 0)

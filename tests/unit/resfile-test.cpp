@@ -348,6 +348,16 @@ TEST_F(ResourceTest, ALongLabelIsCut) {
     EXPECT_EQ(item(1, 4), "x/" + label.substr(0, 1021));
 }
 
+TEST_F(ResourceTest, ALabelIsNotCutWithinACharacter) {
+    const std::string label(1022, 'L');
+    load_menus("<menu-item number=\"3\">" + label +
+               "éx</menu-item><menu-command number=\"3\">go</menu-command>"
+               "<menu-item number=\"4\">x</menu-item><menu-command number=\"4\">" +
+               label.substr(2) + "日x</menu-command>");
+    EXPECT_EQ(item(1, 3), label);
+    EXPECT_EQ(item(1, 4), "x/" + label.substr(2));
+}
+
 TEST_F(ResourceTest, AMenuThatIsNotThereIsReportedWhateverTheCallerAsks) {
     load_menus();
     EXPECT_EQ(title(7, 0), "failed -1");
@@ -407,6 +417,7 @@ TEST_F(ResourceTest, AFileThatIsNotThereIsMade) {
     EXPECT_EQ(read_file(path_of("fresh.xml")), "<?xml version=\"1.0\"?>\n<resourcefile><resource/></resourcefile>\n");
     EXPECT_EQ(holder->loaded, 0) << "a new document is not loaded";
     EXPECT_EQ(count_of("string"), "failed -1");
+    EXPECT_EQ(take_lines(), Lines{error("no xml file loaded")});
     t_symbol *found = jxmlresfile_read(holder, gensym("fresh.xml"));
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found->s_name, path_of("fresh.xml"));
@@ -461,10 +472,25 @@ TEST_F(ResourceTest, AFileIsNeverMadeAnewBecauseMemoryRanOut) {
 TEST_F(ResourceTest, WithoutADocumentOpeningShowsAnAlert) {
     jxmlresfile_open(holder);
     jxmlresfile_open(nullptr);
-    holder->loaded = 1;
-    jxmlresfile_open(holder);
-    EXPECT_EQ(take_lines(), Lines(3, "alert: No xml file loaded"));
+    EXPECT_EQ(take_lines(), Lines(2, "alert: No xml file loaded"));
     EXPECT_EQ(holder->editor, nullptr);
+    load("<a>");
+    jxmlfile_filename(holder, gensym("test.xml"));
+    take_lines();
+    jxmlresfile_open(holder);
+    EXPECT_EQ(take_lines(), Lines()) << "the file counts as loaded";
+    ASSERT_NE(holder->editor, nullptr);
+    EXPECT_EQ(editor_state(holder->editor).text, "");
+}
+
+TEST_F(ResourceTest, WhatIsThereAndCannotBeReadIsNotMadeAnew) {
+    std::filesystem::create_directory(path_of("folder.xml"));
+    load("<kept/>", "kept.xml");
+    EXPECT_EQ(jxmlresfile_read(holder, gensym("folder.xml")), nullptr);
+    EXPECT_EQ(jxmlresfile_read(holder, gensym("")), nullptr);
+    EXPECT_EQ(take_lines(), (Lines{error("can't find folder.xml"), error("can't find ")}));
+    EXPECT_EQ(document(), "<kept/>");
+    EXPECT_TRUE(std::filesystem::is_directory(path_of("folder.xml")));
 }
 
 TEST_F(ResourceTest, OpeningShowsTheDocument) {
@@ -497,6 +523,54 @@ TEST_F(PathnameTest, AFileIsLocatedByNameOrPath) {
     EXPECT_EQ(vrk_file_locate(gensym(path_of("inner/a.xml").c_str()))->s_name, path_of("inner/a.xml"));
     set_search_folders({"inner"});
     EXPECT_EQ(vrk_file_locate(gensym("a.xml"))->s_name, path_of("inner/a.xml"));
+}
+
+TEST_F(PathnameTest, AnEditorIsToldTheFolderOfItsFile) {
+    static t_class *recorder_class = nullptr;
+    static std::pair<std::string, short> told;
+    if (!recorder_class) {
+        recorder_class = class_new(
+            "recorder", (method) + [] { return object_alloc(recorder_class); }, nullptr, sizeof(t_object), nullptr, 0);
+        class_addmethod(
+            recorder_class,
+            (method) +
+                [](t_object *, const char *name, t_ptr_int folder) {
+                    told = {name, static_cast<short>(folder)};
+                },
+            "filename", A_CANT, 0);
+        class_register(CLASS_NOBOX, recorder_class);
+    }
+    std::filesystem::create_directory(path_of("inner"));
+    write_file("inner/a.xml", "<?xml version=\"1.0\"?><a/>");
+    short folder_of_file = 0;
+    char name[MAX_FILENAME_CHARS];
+    path_frompathname(path_of("inner/a.xml").c_str(), &folder_of_file, name);
+    ASSERT_NE(folder_of_file, 0);
+    const std::pair<std::string, short> expected{"a.xml", folder_of_file};
+    auto *recorder = static_cast<t_object *>(object_new(CLASS_NOBOX, gensym("recorder")));
+    vrk_set_editorfile_from_pathname(recorder, gensym(path_of("inner/a.xml").c_str()));
+    EXPECT_EQ(told, expected);
+    told = {};
+    holder->editor = recorder; // which the holder frees
+    set_search_folders({"inner"});
+    jxmlfile_filename(holder, gensym("a.xml"));
+    EXPECT_EQ(told, expected);
+    take_lines();
+}
+
+TEST_F(PathnameTest, AFileIsLookedUpInTheHostsMemory) {
+    write_file("a.xml", "");
+    trace_calls(trace_file);
+    vrk_file_locate(gensym("missing.xml"));
+    size_t asked = 0;
+    for (const std::string &line : take_lines())
+        asked += line.find("path_topotentialname") != line.npos;
+    EXPECT_EQ(asked, 1u) << "whether it is there or not";
+    trace_calls(0);
+    fail_nth_allocation(1);
+    EXPECT_EQ(vrk_file_locate(gensym("a.xml")), nullptr);
+    fail_nth_allocation(0);
+    EXPECT_EQ(vrk_file_locate(gensym("a.xml"))->s_name, path_of("a.xml"));
 }
 
 TEST_F(PathnameTest, AFileThatIsNotThereIsNull) {

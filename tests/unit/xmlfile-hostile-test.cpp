@@ -359,7 +359,7 @@ TEST_F(XmlMemoryTest, AnEvaluationNeedsAContext) {
         Atoms path = typed("a");
         t_atom *atoms = path.data();
         long length = 1;
-        xpath_object found;
+        xmlXPathObjectPtr found = nullptr;
         const FailingLibxml failing(1);
         EXPECT_EQ(jxmlfile_get_nodeset(holder, &length, &atoms, &found), -4);
     }

@@ -41,9 +41,10 @@ TEST_F(XmlNodesTest, AHolderThatIsLoadedWithoutADocumentRefusesAsWell) {
     Atoms path = typed("a");
     t_atom *atoms = path.data();
     long count = 1;
-    xpath_object found;
+    xmlXPathObjectPtr found = nullptr;
     xmlNodePtr node = nullptr;
     EXPECT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &found), -1);
+    EXPECT_EQ(found, nullptr);
     EXPECT_EQ(jxmlfile_get_node(holder, &count, &atoms, &node, 1), -1);
     EXPECT_EQ(jxmlfile_set_node(holder, &count, &atoms, &node, 1), -1);
     EXPECT_EQ(take_lines(), Lines());
@@ -56,8 +57,9 @@ TEST_F(XmlNodesTest, ANodeSetIsInDocumentOrder) {
     Atoms path = typed("a \"b | /a/c\"");
     t_atom *atoms = path.data();
     long count = 2;
-    xpath_object found;
-    ASSERT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &found), 0);
+    xmlXPathObjectPtr given = nullptr;
+    ASSERT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &given), 0);
+    const xpath_object found(given);
     EXPECT_EQ(count, 0);
     EXPECT_EQ(atoms, path.data() + 2);
     ASSERT_EQ(found->nodesetval->nodeNr, 3);
@@ -70,8 +72,9 @@ TEST_F(XmlNodesTest, ANodeSetOfNothingIsASuccess) {
     Atoms path = typed("a b");
     t_atom *atoms = path.data();
     long count = 2;
-    xpath_object found;
-    EXPECT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &found), 0);
+    xmlXPathObjectPtr given = nullptr;
+    EXPECT_EQ(jxmlfile_get_nodeset(holder, &count, &atoms, &given), 0);
+    const xpath_object found(given);
     EXPECT_TRUE(!found->nodesetval || found->nodesetval->nodeNr == 0);
     EXPECT_EQ(take_lines(), Lines());
 }
@@ -82,6 +85,30 @@ TEST_F(XmlNodesTest, TheFirstNodeInDocumentOrderIsTheOne) {
     EXPECT_EQ(get("a b 2", 1, "int"), "2");
     EXPECT_EQ(get("a \"c | /a/b\"", 1, "int"), "1");
     EXPECT_EQ(get("a \"c/preceding-sibling::b\"", 1, "int"), "1");
+}
+
+TEST_F(XmlNodesTest, TextAfterAnExpressionMakesItMalformed) {
+    load("<a><b n='5'/><c/></a>");
+    for (const char *path : {"a \"b c\"", "a b]", "a b)", "a b[@n=5]]]", "a \"b[@n=5] garbage]\""}) {
+        EXPECT_EQ(count(path), "failed -1") << path;
+        EXPECT_EQ(remove(path), -1) << path;
+        EXPECT_EQ(take_lines().size(), 2u) << path;
+    }
+    EXPECT_EQ(document(), "<a><b n=\"5\"/><c/></a>");
+}
+
+TEST_F(XmlNodesTest, AnEvaluationMayTakeASecondButNotMinutes) {
+    const auto of_elements = [](int elements) {
+        std::string all;
+        for (int i = 0; i < elements; ++i)
+            all += "<s/>";
+        return "<a>" + all + "</a>";
+    };
+    load(of_elements(7000));
+    EXPECT_EQ(count("a \"s[count(preceding-sibling::s)=20]\""), "1");
+    load(of_elements(12'000));
+    EXPECT_EQ(count("a \"s[count(preceding-sibling::s)=20]\""), "failed -1");
+    EXPECT_EQ(take_lines(), Lines{unable("evaluate", "/a/s[count(preceding-sibling::s)=20]")});
 }
 
 TEST_F(XmlNodesTest, NoNodeIsWarnedOf) {

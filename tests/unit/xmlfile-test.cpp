@@ -9,6 +9,7 @@
 
 #include "vrk.pathname.h"
 
+#include <utility>
 using namespace maxhost;
 
 namespace {
@@ -226,6 +227,24 @@ TEST_F(XmlFileTest, TheLoadedFileIsNotReadAgain) {
     EXPECT_EQ(document(), "<a>first</a>");
 }
 
+TEST_F(XmlFileTest, TheLoadedFileIsNotLookedForEither) {
+    load("<a>first</a>");
+    std::filesystem::remove(path_of("test.xml"));
+    EXPECT_EQ(jxmlfile_load(holder, "test.xml", 0), 1);
+    EXPECT_EQ(document(), "<a>first</a>");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlFileTest, AFileThatCountsAsLoadedIsNotReadAgainForWantOfADocument) {
+    load("<a>");
+    jxmlfile_filename(holder, gensym("test.xml"));
+    take_lines();
+    ASSERT_EQ(holder->loaded, 1);
+    EXPECT_EQ(holder->doc, nullptr);
+    EXPECT_EQ(jxmlfile_load(holder, "test.xml", 0), 1);
+    EXPECT_EQ(take_lines(), Lines());
+}
+
 TEST_F(XmlFileTest, AnotherFileTakesThePlaceOfTheDocument) {
     load("<a/>", "one.xml");
     EXPECT_EQ(load("<b/>", "two.xml"), 1);
@@ -326,10 +345,33 @@ TEST_F(XmlFileTest, TheParseHoldsTheCriticalRegion) {
     jxmlfile_doread(holder);
     const Lines told = take_lines();
     ASSERT_GE(told.size(), 2u);
-    EXPECT_EQ(told[0], "trace: critical_enter 0");
-    EXPECT_EQ(told[1], "trace: critical_exit 0");
     for (size_t i = 0; i < told.size(); ++i)
         EXPECT_EQ(told[i], i % 2 ? "trace: critical_exit 0" : "trace: critical_enter 0");
+    // What the parse itself reports comes while the region is held.
+    write_file(
+        "test.xml", declaration + "<!DOCTYPE a [<!ENTITY % e '<!-- -->'>" + [] {
+            std::string references;
+            for (int i = 0; i < 10'000; ++i)
+                references += "%e;";
+            return references;
+        }() + "]><a/>");
+    jxmlfile_doread(holder);
+    const Lines refused = take_lines();
+    ASSERT_GE(refused.size(), 4u);
+    EXPECT_EQ(refused[0], "trace: critical_enter 0");
+    EXPECT_EQ(refused[1], error("parameter entities of " + path_of("test.xml") + " expand to more than 10000 words"));
+    EXPECT_EQ(refused[2], "trace: critical_exit 0");
+    EXPECT_EQ(refused[3], error("unable to parse file " + path_of("test.xml")));
+}
+
+TEST_F(XmlFileTest, WhatLibxmlKeepsForAllGoesWithTheLastHolder) {
+    xmlAddEncodingAlias("UTF-8", "an-alias");
+    jxmlfile_free(jxmlfile_new(nullptr));
+    load("<a/>");
+    jxmlfile_newdoc(holder, gensym(path_of("new.xml").c_str()));
+    EXPECT_STREQ(xmlGetEncodingAlias("an-alias"), "UTF-8") << "this holder may have a document";
+    jxmlfile_free(std::exchange(holder, nullptr));
+    EXPECT_EQ(xmlGetEncodingAlias("an-alias"), nullptr);
 }
 
 // ---- naming a file

@@ -267,10 +267,63 @@ TEST_F(XmlWritingTest, AFilterWithoutAValueMakesNoAttribute) {
     EXPECT_EQ(document(), "<a><b>one</b><c>two</c></a>");
 }
 
-TEST_F(XmlWritingTest, WhatIsThereAndNoElementIsNotWrittenTo) {
+TEST_F(XmlWritingTest, APathMayEndAtWhatIsNoElement) {
+    load("<a xmlns:p='u' k='1' p:k='2' id='x'>text<b/><![CDATA[FF]]><!--note--><?do this?></a>");
+    EXPECT_EQ(set("a @k text new 1"), 0);
+    EXPECT_EQ(set("a \"@*[namespace-uri()='u']\" text a&b<\\\"é"), 0);
+    EXPECT_EQ(set("a \"text()\" text x&amp;y"), 0);
+    EXPECT_EQ(set("a \"node()[3]\" text 00]]>"), 0);
+    EXPECT_EQ(set("a \"comment()\" text seen"), 0);
+    EXPECT_EQ(set("a \"processing-instruction()\" text that"), 0);
+    const std::string changed = "<a xmlns:p=\"u\" k=\"new 1\" p:k=\"a&amp;b&lt;&quot;é\" id=\"x\">x&amp;amp;y<b/>"
+                                "<![CDATA[00]]]]><![CDATA[>]]><!--seen--><?do that?></a>";
+    EXPECT_EQ(document(), changed);
+    EXPECT_EQ(count("a[@k='new 1']"), "1");
+    ASSERT_TRUE(reload());
+    EXPECT_EQ(document(), changed);
+    EXPECT_EQ(set("a @k text"), 0);
+    EXPECT_EQ(set("a \"text()\" text"), 0);
+    EXPECT_EQ(document().substr(0, 44), "<a xmlns:p=\"u\" k=\"\" p:k=\"a&amp;b&lt;&quot;é\"");
+    EXPECT_EQ(take_lines(), Lines());
+}
+
+TEST_F(XmlWritingTest, AnAttributeThatAPathEndsAtIsFoundByItsNewValue) {
+    load("<a><b number='1'>one</b></a>");
+    EXPECT_EQ(count("a b attr number 1"), "1");
+    EXPECT_EQ(set("a b @number text 2"), 0);
+    EXPECT_EQ(count("a b attr number 1"), "0");
+    EXPECT_EQ(text("a b attr number 2"), "one");
+}
+
+TEST_F(XmlWritingTest, WhatWouldNotBeReadAgainIsNotSet) {
+    load("<a k='1'><!--note--><?do this?></a>");
+    const auto refused = [this](const std::string &path, const std::string &text, int byte) {
+        EXPECT_EQ(set(path + " text", {symbol_atom(text)}), -1);
+        EXPECT_EQ(take_lines(), Lines{error("text cannot be held by xml (byte " + std::to_string(byte) + ")")}) << text;
+    };
+    refused("a \"comment()\"", "ab--cd", 3);
+    refused("a \"comment()\"", "ab-", 3);
+    refused("a \"processing-instruction()\"", "ab?>", 3);
+    refused("a @k", "\x01", 1);
+    const std::string quotes(2'000'000, '"');
+    EXPECT_EQ(set("a @k text", {symbol_atom(quotes)}), -1);
+    EXPECT_EQ(take_lines(), Lines{error("attributes are too long for xml (more than 9000000 bytes)")});
+    EXPECT_EQ(document(), "<a k=\"1\"><!--note--><?do this?></a>");
+}
+
+TEST_F(XmlWritingTest, BytesGoIntoElementsOnly) {
     load("<a k='1'>text</a>");
-    for (const char *path : {"a @k", "a \"text()\"", "a \"namespace::*\""})
+    for (const char *path : {"a @k", "a \"text()\""})
+        expect_refused(std::string(path) + " cdata 1", invalid_node);
+}
+
+TEST_F(XmlWritingTest, NothingIsMadeUnderWhatIsNoElement) {
+    load("<a k='1'>text</a>");
+    expect_refused("a @k b text x", unable("create node at", "/a/@k/b"));
+    expect_refused("a \"text()\" b text x", unable("create node at", "/a/text()/b"));
+    for (const char *path : {"a \"namespace::*\"", "a .."})
         expect_refused(std::string(path) + " text x", invalid_node);
+    expect_refused("a \"namespace::*\" b text x", unable("create node at", "/a/namespace::*/b"));
     EXPECT_EQ(set("a @k .. text new"), 0) << "on the way it is no harm";
     EXPECT_EQ(document(), "<a k=\"1\">new</a>");
 }

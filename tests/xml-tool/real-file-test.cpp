@@ -1,4 +1,4 @@
-// vrk-xml on files that others have made: nothing changes but what was edited.
+// vrk-xml on files that others have made: nothing changes but what was edited, and the blanks between elements.
 #include "xml-tool/xml-tool-test.h"
 
 #include <algorithm>
@@ -23,7 +23,8 @@ const RealFile files[] = {
     {"/usr/share/xml/iso-codes/iso_639-3.xml", "iso_639_3_entries iso_639_3_entry", 5000},
 };
 
-std::string serialised(const std::string &file) {
+// The file as it is written without the blanks between its elements.
+std::string without_blanks(const std::string &file) {
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(
         xmlReadFile(file.c_str(), nullptr, XML_PARSE_NOBLANKS | XML_PARSE_NONET), xmlFreeDoc);
     xmlChar *text = nullptr;
@@ -68,7 +69,7 @@ class RealXmlFile : public XmlToolTest, public testing::WithParamInterface<RealF
         if (!std::filesystem::exists(GetParam().file))
             GTEST_SKIP() << GetParam().file << " is not installed";
         std::filesystem::copy_file(GetParam().file, path_of("f.xml"));
-        original = serialised(GetParam().file);
+        original = without_blanks(GetParam().file);
     }
     Words on_element(const std::string &operation, const Words &more = {}) {
         return words("f.xml " + operation + " " + GetParam().element, more);
@@ -89,7 +90,15 @@ TEST_P(RealXmlFile, IsReadWithoutAChange) {
     EXPECT_TRUE(file_text(path_of("f.xml")) == before);
 }
 
-TEST_P(RealXmlFile, GetsAnAttributeAndNothingElseChanges) {
+TEST_P(RealXmlFile, LosesTheBlanksBetweenItsElementsWhenItIsChanged) {
+    const std::string before = file_text(path_of("f.xml"));
+    output(on_element("setattr", {"vrk-test", "1"}));
+    output(on_element("deleteattr", {"vrk-test"}));
+    EXPECT_LT(file_text(path_of("f.xml")).size(), before.size());
+    expect_original();
+}
+
+TEST_P(RealXmlFile, GetsAnAttributeAndNoElementChanges) {
     output(on_element("setattr", {"vrk-test", "\"quoted\" & more"}));
     EXPECT_EQ(changed().gone, "");
     EXPECT_EQ(changed().come, " vrk-test=\"&quot;quoted&quot; &amp; more\"");
@@ -98,7 +107,7 @@ TEST_P(RealXmlFile, GetsAnAttributeAndNothingElseChanges) {
     expect_original();
 }
 
-TEST_P(RealXmlFile, GetsAnElementAndNothingElseChanges) {
+TEST_P(RealXmlFile, GetsAnElementAndNoOtherChanges) {
     output(words("f.xml set * vrk-test text", {"new text"}));
     EXPECT_EQ(changed().gone, "");
     EXPECT_EQ(changed().come, "<vrk-test>new text</vrk-test>");
@@ -107,7 +116,7 @@ TEST_P(RealXmlFile, GetsAnElementAndNothingElseChanges) {
     expect_original();
 }
 
-TEST_P(RealXmlFile, LosesAnElementAndNothingElse) {
+TEST_P(RealXmlFile, LosesAnElementAndNoOther) {
     const unsigned long before = std::stoul(output("f.xml count * *"));
     output(on_element("delete"));
     EXPECT_EQ(changed().come, "");
