@@ -1261,12 +1261,12 @@
                             {
                                 "box": {
                                     "id": "obj-22",
-                                    "linecount": 11,
+                                    "linecount": 17,
                                     "maxclass": "comment",
                                     "numinlets": 1,
                                     "numoutlets": 0,
-                                    "patching_rect": [ 285.0, 255.0, 420.0, 154.0 ],
-                                    "text": "Files are found in the search path. What is read takes the place of all items. When there is no such file the Max Console says so, and the items stay. A resource file looks like this:\n\n<resourcefile>\n  <resource>\n    <string number=\"0\">First line</string>\n    <string number=\"1\">Second line</string>\n  </resource>\n</resourcefile>"
+                                    "patching_rect": [ 285.0, 255.0, 420.0, 238.0 ],
+                                    "text": "Files are found in the search path. What is read takes the place of all items. When there is no such file the Max Console says so, and the items stay. A resource file looks like this:\n\n<resourcefile>\n  <resource>\n    <string number=\"0\">First line</string>\n    <string number=\"1\">Second line</string>\n  </resource>\n</resourcefile>\n\nBlanks at the ends of a text are dropped, and with them every letter outside of ASCII: \"Café\" is read as \"Caf\". The Max Console says how many texts have lost letters. A text whose bytes stand in hexadecimal in a CDATA section is kept whole: <string number=\"0\"><![CDATA[436166C3A9]]></string>"
                                 }
                             }
                         ],
