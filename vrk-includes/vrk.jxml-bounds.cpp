@@ -79,11 +79,14 @@ size_t impossible_character(std::string_view text) {
 unsigned first_character(std::string_view text) {
     const unsigned first = text.empty() ? 0 : static_cast<unsigned char>(text[0]);
     const size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    if (length > text.size())
+    if (length > text.size() || (length > 1 && first < 0xC2))
         return 0;
     unsigned character = length == 1 ? first : first & (0x7Fu >> length);
-    for (size_t i = 1; i < length; ++i)
+    for (size_t i = 1; i < length; ++i) {
+        if ((text[i] & 0xC0) != 0x80)
+            return 0;
         character = character << 6 | (static_cast<unsigned char>(text[i]) & 0x3Fu);
+    }
     return character;
 }
 

@@ -96,6 +96,8 @@ xmlEntityPtr bounded_parameter_entity(void *parser, const xmlChar *name) {
     auto *context = static_cast<xmlParserCtxtPtr>(parser);
     auto *words_left = static_cast<long *>(context->_private);
     xmlEntityPtr entity = xmlSAX2GetParameterEntity(parser, name);
+    if (entity && entity->content && !entity->orig) // only being declared
+        return entity;
     *words_left -= 1 + word_count(entity);
     if (*words_left >= 0)
         return entity;

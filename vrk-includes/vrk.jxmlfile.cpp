@@ -537,7 +537,7 @@ static bool append_expression(long *argc, t_atom **argv, char *buffer) {
         } // else left out: a float is not a position (docs/compatibility.md)
     }
     if (!expression.fits)
-        std::memcpy(buffer + vrk_whole_characters(buffer, expression.size - 2), "[", 2);
+        std::memcpy(buffer + vrk_whole_characters({buffer, expression.length}, expression.size - 2), "[", 2);
     return expression.fits;
 }
 
@@ -576,7 +576,9 @@ static xpath_object run_expression(xmlXPathContextPtr context, const char *expre
     run->valueMax = depth;
     xmlXPathEvalExpr(run.get());
     xpath_object found(run->error == XPATH_EXPRESSION_OK ? valuePop(run.get()) : nullptr);
-    if (*run->cur || quiet.out_of_memory()) // up to 2.9.4 text after the expression is left to the caller
+    // Up to 2.9.4 text after the expression is left to the caller; of a plain path nothing counts as read.
+    const bool ends_there = !*run->cur || run->cur == run->base;
+    if (!ends_there || quiet.out_of_memory())
         found.reset();
     return found;
 }

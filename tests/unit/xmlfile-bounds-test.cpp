@@ -165,6 +165,8 @@ TEST(JxmlBounds, NothingIsReadBehindAPlaceWhereAllParsersGiveUp) {
                                     "<a><?1 ",
                                     "<a><?\xC3\x97 ",
                                     "<a><?\xC3",
+                                    "<a><?\xD7 ",
+                                    "<a><?\x97 ",
                                     "<a><!x ",
                                     "<a><{",
                                     "<a>< ",
