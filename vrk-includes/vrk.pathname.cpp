@@ -39,8 +39,8 @@ t_symbol *vrk_file_locate(t_symbol *filename) {
     short path_id = 0;
     t_fourcc type = 0;
     const short failure = locatefile_extended(name.get(), &path_id, &type, nullptr, 0);
-    path_topotentialname(path_id, name.get(), path.get(), 0);
-    return failure ? nullptr : gensym(path.get());
+    const short no_path = path_topotentialname(path_id, name.get(), path.get(), 0);
+    return failure || no_path ? nullptr : gensym(path.get());
 }
 
 void vrk_set_editorfile_from_pathname(t_object *editor, t_symbol *pathname) {

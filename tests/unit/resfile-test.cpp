@@ -525,39 +525,6 @@ TEST_F(PathnameTest, AFileIsLocatedByNameOrPath) {
     EXPECT_EQ(vrk_file_locate(gensym("a.xml"))->s_name, path_of("inner/a.xml"));
 }
 
-TEST_F(PathnameTest, AnEditorIsToldTheFolderOfItsFile) {
-    static t_class *recorder_class = nullptr;
-    static std::pair<std::string, short> told;
-    if (!recorder_class) {
-        recorder_class = class_new(
-            "recorder", (method) + [] { return object_alloc(recorder_class); }, nullptr, sizeof(t_object), nullptr, 0);
-        class_addmethod(
-            recorder_class,
-            (method) +
-                [](t_object *, const char *name, t_ptr_int folder) {
-                    told = {name, static_cast<short>(folder)};
-                },
-            "filename", A_CANT, 0);
-        class_register(CLASS_NOBOX, recorder_class);
-    }
-    std::filesystem::create_directory(path_of("inner"));
-    write_file("inner/a.xml", "<?xml version=\"1.0\"?><a/>");
-    short folder_of_file = 0;
-    char name[MAX_FILENAME_CHARS];
-    path_frompathname(path_of("inner/a.xml").c_str(), &folder_of_file, name);
-    ASSERT_NE(folder_of_file, 0);
-    const std::pair<std::string, short> expected{"a.xml", folder_of_file};
-    auto *recorder = static_cast<t_object *>(object_new(CLASS_NOBOX, gensym("recorder")));
-    vrk_set_editorfile_from_pathname(recorder, gensym(path_of("inner/a.xml").c_str()));
-    EXPECT_EQ(told, expected);
-    told = {};
-    holder->editor = recorder; // which the holder frees
-    set_search_folders({"inner"});
-    jxmlfile_filename(holder, gensym("a.xml"));
-    EXPECT_EQ(told, expected);
-    take_lines();
-}
-
 TEST_F(PathnameTest, AFileIsLookedUpInTheHostsMemory) {
     write_file("a.xml", "");
     trace_calls(trace_file);
