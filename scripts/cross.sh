@@ -1,5 +1,6 @@
 # Sourced: what the two cross-builds share. Nothing is installed, and everything that is fetched or made stays below
 # build/cross.
+source scripts/apt-sources.sh
 cross=$PWD/build/cross
 mkdir -p "$cross"
 
@@ -29,13 +30,13 @@ make_sdk() {
   cp host/api/commonsyms.c "$includes/common"
 }
 
-# apt with lists of its own, which know Debian's sources.
+# apt with lists of its own, which know the sources of the packages that this machine has.
 source_apt() {
   local state=$cross/apt
-  mkdir -p "$state/lists/partial"
-  echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg]" \
-    "http://deb.debian.org/debian $(. /etc/os-release && echo "$VERSION_CODENAME") main" >"$state/sources.list"
-  apt-get -o Dir::Etc::sourcelist="$state/sources.list" -o Dir::Etc::sourceparts=- -o Dir::State::lists="$state/lists" \
+  rm -rf "$state/sources"
+  mkdir -p "$state/lists/partial" "$state/sources"
+  write_package_sources /etc/apt "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$state/sources"
+  apt-get -o Dir::Etc::sourcelist=- -o Dir::Etc::sourceparts="$state/sources" -o Dir::State::lists="$state/lists" \
     -o APT::Sandbox::User="$(id -un)" "$@"
 }
 
