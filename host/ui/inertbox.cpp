@@ -24,6 +24,7 @@ void *inert_new(t_symbol *, long argc, t_atom *argv) {
     if (!box)
         return nullptr;
     jbox_new(box, 0, argc, argv);
+    box->b_firstin = &box->b_ob;
     const t_dictionary *dictionary = object_dictionaryarg(argc, argv);
     set_inlet_count(&box->b_ob, count_under(dictionary, "numinlets", 1));
     for (long i = count_under(dictionary, "numoutlets", 0); i > 0; --i)
@@ -40,6 +41,7 @@ const Class &inert_class() {
     if (!inert) {
         inert = class_new("inert", reinterpret_cast<method>(inert_new), reinterpret_cast<method>(jbox_free),
                           sizeof(t_jbox), nullptr, A_GIMME, 0);
+        inert->c_flags |= CLASS_FLAG_NEWDICTIONARY;
         jbox_initclass(inert, 0);
         class_addmethod(inert, reinterpret_cast<method>(inert_anything), "anything", A_GIMME, 0);
     }

@@ -45,6 +45,15 @@ t_object *first_of(const BoxesByName &boxes, t_symbol *name) {
     return found == boxes.end() ? nullptr : &found->second.front()->b_ob;
 }
 
+// An id that no box of the patcher has, nor goes by.
+t_symbol *new_id(Patcher &patcher) {
+    t_symbol *id;
+    do
+        id = gensym(("obj-" + std::to_string(++patcher.newest_id)).c_str());
+    while (find_box(patcher, id));
+    return id;
+}
+
 // The box that "a::b" names.
 t_object *find_inner_box(const Patcher &patcher, const std::string &path) {
     const size_t colons = path.find("::");
@@ -69,12 +78,13 @@ Class *PatcherView::host_class() {
 t_object *make_box(Patcher &patcher, const Class &cls, t_dictionary *dictionary, std::span<const t_atom> arguments) {
     if (!cls.construct)
         return nullptr;
-    if (!dictionary->index.contains(gensym("id")))
-        set_new_id(patcher, dictionary);
-    add_defaults(cls, dictionary);
+    const bool takes_dictionary = (cls.c_flags & CLASS_FLAG_NEWDICTIONARY) != 0;
     const Binding patcher_being_filled(gensym("#P"), &patcher);
-    std::vector<t_atom> atoms(1);
-    atom_setobj(&atoms[0], dictionary);
+    std::vector<t_atom> atoms;
+    if (takes_dictionary) {
+        add_defaults(cls, dictionary);
+        atom_setobj(&atoms.emplace_back(), dictionary);
+    }
     atoms.insert(atoms.end(), arguments.begin(), arguments.end());
     using Constructor = t_object *(*)(t_symbol *, long, t_atom *);
     t_object *box =
@@ -85,14 +95,11 @@ t_object *make_box(Patcher &patcher, const Class &cls, t_dictionary *dictionary,
     return box;
 }
 
-void set_new_id(Patcher &patcher, t_dictionary *dictionary) {
-    t_symbol *id;
-    do
-        id = gensym(("obj-" + std::to_string(++patcher.newest_id)).c_str());
-    while (find_box(patcher, id));
-    t_atom atom;
-    atom_setsym(&atom, id);
-    dictionary_appendatoms(dictionary, gensym("id"), 1, &atom);
+std::string complaint_about_id(const Patcher &patcher, const t_dictionary *dictionary) {
+    const std::span<const t_atom> id = atoms_under(dictionary, "id");
+    if (id.empty() || !patcher.by_id.contains(atom_getsym(id.data())))
+        return "";
+    return std::string("another box has the id \"") + atom_getsym(id.data())->s_name + "\" already";
 }
 
 t_object *find_box(const Patcher &patcher, t_symbol *name) {
@@ -103,12 +110,13 @@ t_object *find_box(const Patcher &patcher, t_symbol *name) {
 }
 
 std::list<t_jbox *>::iterator enter_box(Patcher &patcher, t_jbox *box) {
+    if (!box->b_id || patcher.by_id.contains(box->b_id))
+        box->b_id = new_id(patcher);
     const auto place = patcher.boxes.insert(patcher.boxes.end(), box);
     try {
         if (box->b_name)
             patcher.by_name[box->b_name].push_back(box);
-        if (box->b_id)
-            patcher.by_id[box->b_id].push_back(box);
+        patcher.by_id[box->b_id].push_back(box);
     } catch (const std::bad_alloc &) {
         leave_patcher(patcher, box, place);
         throw;

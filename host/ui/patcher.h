@@ -5,6 +5,7 @@
 #include <list>
 #include <memory>
 #include <span>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -49,17 +50,19 @@ struct PatcherView : t_object {
     static constexpr const char *kind_name = "patcher view";
 };
 
-// Makes a box in a patcher, from its dictionary, to which the declared defaults and an "id" are added. The constructor
-// is called with the dictionary and, behind it, the arguments. Null when it makes none.
+// Makes a box in a patcher, from its dictionary, to which the declared defaults are added. The constructor is called
+// with the dictionary and, after it, the arguments; that of a class which takes no dictionary with the arguments alone.
+// Null when it makes none.
 t_object *make_box(Patcher &patcher, const Class &cls, t_dictionary *dictionary, std::span<const t_atom> arguments);
 
-// Puts an id that no box of the patcher has into a dictionary, in place of the one that is there.
-void set_new_id(Patcher &patcher, t_dictionary *dictionary);
+// Why a box that is made from a dictionary will not have the id that this asks for; empty when nothing is in the way.
+std::string complaint_about_id(const Patcher &patcher, const t_dictionary *dictionary);
 
 // The box of that scripting name or, when there is none, that id. "a::b" is the box b in the patcher that is in box a.
 t_object *find_box(const Patcher &patcher, t_symbol *name);
 
-// Puts a box among those of a patcher, under its name and id; and takes it out.
+// Puts a box among those of a patcher, under its name and id, and takes it out. A box without an id, or with one that
+// another box has, gets a new one.
 std::list<t_jbox *>::iterator enter_box(Patcher &patcher, t_jbox *box);
 void leave_patcher(Patcher &patcher, t_jbox *box, std::list<t_jbox *>::iterator place);
 

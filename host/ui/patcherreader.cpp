@@ -143,13 +143,8 @@ t_object *PatcherReader::make(Patcher &patcher, Json &entry, const std::string &
     std::vector<t_atom> arguments;
     add_members(dictionary.get(), entry);
     t_symbol *class_name = class_named_by(entry, where, arguments, dictionary.get());
-    std::span<const t_atom> id = atoms_under(dictionary.get(), "id");
-    t_symbol *wanted = id.empty() ? gensym("") : atom_getsym(id.data());
-    const bool is_taken = patcher.by_id.contains(wanted);
-    if (is_taken)
-        warn(where + ".id", std::string("another box has the id \"") + wanted->s_name + "\" already");
-    if (is_taken || wanted == gensym(""))
-        set_new_id(patcher, dictionary.get());
+    if (const std::string complaint = complaint_about_id(patcher, dictionary.get()); !complaint.empty())
+        warn(where + ".id", complaint);
     t_object *made = make_of_class(patcher, class_name, dictionary.get(), arguments);
     if (!made) {
         warn(where, "out of memory");

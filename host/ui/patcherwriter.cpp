@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "kernel/atomtext.h"
+#include "kernel/console.h"
 #include "kernel/outlets.h"
 #include "kernel/scheduler.h"
 #include "ui/patcherdocument.h"
@@ -29,23 +30,23 @@ bool same_atoms(std::span<const t_atom> some, std::span<const t_atom> others) {
 
 // ---- boxes
 
-// What every box says, where the file does not say it yet.
+// What every box says that is in no file yet. Whoever made it may have said something else of its id, inlets and
+// outlets.
 void complete_entry(Json &entry, t_jbox *box) {
-    const auto say = [&](const char *key, Json value) {
-        if (!entry.contains(key))
-            put(entry, key, std::move(value));
-    };
     Json types = Json::array();
     for (long i = 0; i < outlet_count(&box->b_ob); ++i) {
         const t_symbol *message = outlet_of(&box->b_ob, i)->message;
         types.push_back(message ? message->s_name : "");
     }
-    say("id", box->b_id->s_name);
-    say("maxclass", record_of(box)->cls->name->s_name);
-    say("numinlets", inlet_count(&box->b_ob));
-    say("numoutlets", types.size());
-    if (!types.empty())
-        say("outlettype", types);
+    put(entry, "id", box->b_id->s_name);
+    if (!entry.contains("maxclass"))
+        put(entry, "maxclass", record_of(box)->cls->name->s_name);
+    put(entry, "numinlets", inlet_count(&box->b_ob));
+    put(entry, "numoutlets", types.size());
+    if (types.empty())
+        entry.erase("outlettype");
+    else
+        put(entry, "outlettype", std::move(types));
 }
 
 // The attributes of an object box stand apart from those that every box has.
@@ -109,7 +110,7 @@ Json saved_entry(t_jbox *box) {
     if (has_inner && !kept.entry.contains("patcher"))
         put(kept.entry, "patcher", nullptr);
     Json entry = kept.entry;
-    if (has_inner && (inner->document || entry["patcher"].is_null()))
+    if (has_inner && (inner->document || !inner->boxes.empty() || entry["patcher"].is_null()))
         entry["patcher"] = saved_patcher(*inner);
     return entry;
 }
@@ -240,9 +241,12 @@ t_object *make_new_box(Patcher &patcher, t_symbol *class_name, t_dictionary *dic
     put(entry, "maxclass", cls->is_typed ? "newobj" : cls->name->s_name);
     if (cls->is_typed)
         put(entry, "text", typed);
+    const std::string complaint = complaint_about_id(patcher, dictionary);
     t_object *made = make_box(patcher, *cls, dictionary, arguments);
     if (!made || !box_state(made))
         return made;
+    if (!complaint.empty())
+        console_warning(made, complaint);
     KeptBox &kept = kept_box(reinterpret_cast<t_jbox *>(made));
     kept.entry = std::move(entry);
     kept.own_keys = dictionary->asked;

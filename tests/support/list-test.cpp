@@ -35,6 +35,7 @@ void owner_free(ListOwner *x) { jbox_free(&x->box); }
 void register_owner() {
     owner_class =
         class_new("list-owner", (method)owner_new, (method)owner_free, sizeof(ListOwner), nullptr, A_GIMME, 0);
+    owner_class->c_flags |= CLASS_FLAG_NEWDICTIONARY;
     jbox_initclass(owner_class, JBOX_FONTATTR);
     class_addmethod(owner_class, (method)owner_paint, "custompaintcell", A_CANT, 0);
     class_addmethod(owner_class, (method)owner_selected, "selected", A_CANT, 0);

@@ -53,6 +53,7 @@ void *probe_new(t_symbol *, long argc, t_atom *argv) {
     if (!x)
         return nullptr;
     jbox_new(&x->box, 0, argc, argv);
+    x->box.b_firstin = &x->box.b_ob;
     x->right = intout(x);
     x->left = outlet_new(x, nullptr);
     attr_dictionary_process(x, object_dictionaryarg(argc, argv));

@@ -26,6 +26,7 @@ void *keeper_new(t_symbol *, long argc, t_atom *argv) {
     auto *x = static_cast<Keeper *>(object_alloc(keeper_class));
     t_dictionary *dictionary = object_dictionaryarg(argc, argv);
     jbox_new(&x->box, 0, argc, argv);
+    x->box.b_firstin = &x->box.b_ob;
     x->words = new std::vector<t_atom>;
     long count = 0;
     t_atom *words = nullptr;
@@ -51,6 +52,7 @@ void keeper_words(Keeper *x, t_symbol *, long argc, t_atom *argv) { x->words->as
 
 void register_keeper() {
     keeper_class = class_new("keeper", (method)keeper_new, (method)keeper_free, sizeof(Keeper), nullptr, A_GIMME, 0);
+    keeper_class->c_flags |= CLASS_FLAG_NEWDICTIONARY;
     jbox_initclass(keeper_class, JBOX_FONTATTR);
     class_addmethod(keeper_class, (method)keeper_save, "jsave", A_CANT, 0);
     class_addmethod(keeper_class, (method)keeper_words, "words", A_GIMME, 0);

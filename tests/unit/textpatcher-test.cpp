@@ -17,6 +17,7 @@ t_class *old_class;
 void *old_new(t_symbol *, long argc, t_atom *argv) {
     auto *x = static_cast<Old *>(object_alloc(old_class));
     jbox_new(&x->box, 0, argc, argv);
+    x->box.b_firstin = &x->box.b_ob;
     intout(x);
     gensym("#X")->s_thing = &x->box.b_ob;
     attr_dictionary_process(x, object_dictionaryarg(argc, argv));
@@ -38,6 +39,7 @@ void old_say(Old *x, t_symbol *, long argc, t_atom *argv) {
 
 void register_old() {
     old_class = class_new("old", (method)old_new, (method)jbox_free, sizeof(Old), nullptr, A_GIMME, 0);
+    old_class->c_flags |= CLASS_FLAG_NEWDICTIONARY;
     jbox_initclass(old_class, 0);
     class_addmethod(old_class, (method)old_stdargs, "stdargs", A_CANT, 0);
     class_addmethod(old_class, (method)old_say, "say", A_GIMME, 0);
