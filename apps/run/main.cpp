@@ -26,11 +26,9 @@ struct Options {
     std::string patcher;
 };
 
-const std::map<std::string, unsigned> trace_families{{"view", maxhost::trace_view},
-                                                     {"queue", maxhost::trace_queue},
-                                                     {"lock", maxhost::trace_lock},
-                                                     {"file", maxhost::trace_file},
-                                                     {"dirty", maxhost::trace_dirty}};
+const std::map<std::string, unsigned> trace_families{
+    {"view", maxhost::trace_view}, {"queue", maxhost::trace_queue}, {"lock", maxhost::trace_lock},
+    {"file", maxhost::trace_file}, {"dirty", maxhost::trace_dirty}, {"notify", maxhost::trace_notify}};
 
 void describe(CLI::App &app, Options &options) {
     app.description("Runs boxes without a screen: a script goes in, a transcript comes out.");
@@ -38,7 +36,7 @@ void describe(CLI::App &app, Options &options) {
         ->allow_extra_args(false);
     app.add_option("--search", options.search, "a folder to search files in, before the current one")
         ->allow_extra_args(false);
-    app.add_option("--trace", options.traces, "families of calls to trace: view, queue, lock, file, dirty")
+    app.add_option("--trace", options.traces, "families of calls to trace: view, queue, lock, file, dirty, notify")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember(trace_families));

@@ -9,7 +9,7 @@ HOST_API_BEGIN
 #define CLASS_BOX gensym("box")
 #define CLASS_NOBOX gensym("nobox")
 
-#define ATTR_FLAGS_NONE 0 // readable and settable
+#define ATTR_FLAGS_NONE 0 // readable and settable; this host has no other flags, and refuses them
 
 // ---- classes; main thread, while a plug-in is loaded
 

@@ -23,30 +23,33 @@ typedef struct _jbox {
     t_rect b_presentation_rect;
     t_symbol *b_name; // scripting name, or null
     t_symbol *b_id;
-    t_object *b_firstin; // what messages to the first inlet reach
+    t_object *b_firstin; // what messages to the first inlet reach; the plug-in sets it, after jbox_new
 } t_jbox;
 
-// flags of jbox_initclass
-#define JBOX_COLOR (1 << 13)
-#define JBOX_FONTATTR (1 << 18)
-#define JBOX_FIXWIDTH (1 << 19)
+// Flags of jbox_initclass. The two others tell the program that shows the box what it may offer.
+#define JBOX_COLOR (1 << 13)    // a colour to choose
+#define JBOX_FONTATTR (1 << 18) // the attributes "fontname" and "fontsize"
+#define JBOX_FIXWIDTH (1 << 19) // to make the box as wide as its text
 
-// flags of jbox_new
-#define JBOX_DRAWFIRSTIN 1
-#define JBOX_NODRAWBOX 2
-#define JBOX_DRAWINLAST 4
-#define JBOX_GROWBOTH 64
+// Flags of jbox_new, for the program that shows the box.
+#define JBOX_DRAWFIRSTIN 1 // the first inlet is drawn
+#define JBOX_NODRAWBOX 2   // no frame is
+#define JBOX_DRAWINLAST 4  // inlets are drawn after what the box paints
+#define JBOX_GROWBOTH 64   // width and height are changed one by one
 
-// Gives a class the attributes of a box, "patching_rect" and by flag "fontname" and "fontsize". Before class_addmethod.
+// Gives a class the attributes of a box, "patching_rect" and what the flags ask for. Before class_addmethod. Flags that
+// this host does not have are misuse, and the class then is none of boxes.
 void jbox_initclass(t_class *c, long flags);
 
 // Builds the box part of an instance from the arguments of its constructor; the box hears its own notifications from
-// then on. jbox_ready is the last step of construction, jbox_free undoes jbox_new.
+// then on. Flags that this host does not have are misuse, MAX_ERR_GENERIC. jbox_ready is the last step of construction,
+// jbox_free undoes jbox_new.
 t_max_err jbox_new(t_jbox *b, long flags, long argc, t_atom *argv);
 void jbox_ready(t_jbox *b);
 void jbox_free(t_jbox *b);
 
-// The host's own handling of a notification.
+// The host's own handling of a notification: a box is painted again when one of its attributes with the attribute
+// "paint" has changed ("attr_modified"). MAX_ERR_GENERIC for a message that the host does nothing about.
 t_max_err jbox_notify(t_jbox *b, t_symbol *s, t_symbol *msg, void *sender, void *data);
 
 // Asks for a repaint; many within one event are one.

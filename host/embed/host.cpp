@@ -206,6 +206,11 @@ t_object *patcher_in(t_object *box) {
     return state ? state->inner : nullptr;
 }
 
+BoxFlags flags_of_box(t_object *box) {
+    const BoxState *state = box_state(box);
+    return state ? BoxFlags{class_of(box).box_flags, state->flags} : BoxFlags{0, 0};
+}
+
 long inlets_of(t_object *box) { return inlet_count(box); }
 long outlets_of(t_object *box) { return outlet_count(box); }
 
@@ -232,7 +237,7 @@ void send_message(t_object *box, std::span<const t_atom> atoms) {
     if (atoms.empty())
         return;
     const Message message = message_of(atoms);
-    deliver(box, message.selector, message.arguments);
+    deliver_to_inlet(box, 0, message.selector, message.arguments);
     expect_no_region("a message");
 }
 

@@ -114,6 +114,12 @@ MAXHOST_EMBED std::vector<t_object *> boxes_in(t_object *patcher);
 MAXHOST_EMBED t_symbol *class_of_box(t_object *box);
 MAXHOST_EMBED t_object *patcher_in(t_object *box);
 
+// What the plug-in asks of who shows a box: the flags of jbox_initclass and those of jbox_new (jpatcher_api.h).
+struct BoxFlags {
+    long of_class, of_box;
+};
+MAXHOST_EMBED BoxFlags flags_of_box(t_object *box);
+
 MAXHOST_EMBED long inlets_of(t_object *box);
 MAXHOST_EMBED long outlets_of(t_object *box);
 
@@ -160,7 +166,8 @@ MAXHOST_EMBED bool press_key(t_object *box, Key key);
 MAXHOST_EMBED bool click_box(t_object *box);
 
 // What the plug-in draws for the row at a position, in a patcher view or, without one, in one of its own. A `width` is
-// that of the row where it is shown, which the right column fills; 0 is the width that the column asks for.
+// that of the row where it is shown, which the right column fills as far as its greatest width lets it; 0 is the width
+// that the column asks for.
 MAXHOST_EMBED DrawList painted_row(t_object *box, long position, t_object *patcher_view = nullptr, long width = 0);
 
 // The assistance text of an inlet or outlet; empty when the box tells none.

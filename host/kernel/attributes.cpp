@@ -11,6 +11,8 @@
 #include "kernel/critical.h"
 #include "kernel/dictionary.h"
 #include "kernel/objects.h"
+#include "kernel/queue.h"
+#include "kernel/scheduler.h"
 
 namespace maxhost {
 namespace {
@@ -85,9 +87,12 @@ void attribute_setmethod(Attribute *attribute, t_symbol *which, method accessor)
 t_symbol *attribute_gettype(Attribute *attribute) { return attribute->type; }
 t_symbol *attribute_getname(Attribute *attribute) { return attribute->name; }
 
-Attribute *new_attribute(const char *function, const char *name, const t_symbol *type, long count, method get,
-                         method set, long offset) {
-    if (!at_door(name && element_type(type) && count > 0, function, "no name, or a type that this host does not have"))
+constexpr const char *flags_not_had = "flags that this host does not have";
+
+Attribute *new_attribute(const char *function, const char *name, const t_symbol *type, long count, long flags,
+                         method get, method set, long offset) {
+    if (!at_door(flags == ATTR_FLAGS_NONE, function, flags_not_had) ||
+        !at_door(name && element_type(type) && count > 0, function, "no name, or a type that this host does not have"))
         return nullptr;
     auto *attribute = guarded(function, static_cast<Attribute *>(nullptr), create<Attribute>);
     if (!attribute)
@@ -99,6 +104,17 @@ Attribute *new_attribute(const char *function, const char *name, const t_symbol 
     attribute->getter = get;
     attribute->setter = set;
     return attribute;
+}
+
+// ---- notifications
+
+void notify(t_object *object, Attribute *attribute) {
+    object_method(object, gensym("notify"), record_of(object)->name, gensym("attr_modified"), object, attribute);
+}
+
+void *notify_from_queue(t_object *object, t_symbol *, short, t_atom *attribute) {
+    notify(object, static_cast<Attribute *>(atom_getobj(attribute)));
+    return nullptr;
 }
 
 t_max_err set_by_name(void *x, t_symbol *name, t_atom value, const char *function) {
@@ -158,8 +174,15 @@ t_max_err set_attribute(t_object *object, Attribute &attribute, std::span<const 
                                               : write_elements(object, attribute, atoms);
     // Also when the setter refused: a value of several parts may have been taken over in part.
     const Record *record = record_of(object);
-    if (record && record->ready)
-        object_method(object, gensym("notify"), record->name, gensym("attr_modified"), object, &attribute);
+    if (!record || !record->ready)
+        return result;
+    if (!on_scheduler_thread()) {
+        notify(object, &attribute);
+        return result;
+    }
+    t_atom changed;
+    atom_setobj(&changed, &attribute);
+    defer(object, reinterpret_cast<method>(notify_from_queue), attribute.name, {&changed, 1});
     return result;
 }
 
@@ -186,16 +209,16 @@ void save_attributes(t_object *object, const Class &cls, t_dictionary *dictionar
 
 using namespace maxhost;
 
-t_object *attr_offset_new(const char *name, const t_symbol *type, long, const method mget, const method mset,
+t_object *attr_offset_new(const char *name, const t_symbol *type, long flags, const method mget, const method mset,
                           long offset) {
-    return new_attribute("attr_offset_new", name, type, 1, mget, mset, offset);
+    return new_attribute("attr_offset_new", name, type, 1, flags, mget, mset, offset);
 }
 
-t_object *attr_offset_array_new(const char *name, t_symbol *type, long size, long, const method mget, const method mset,
-                                long offsetcount, long offset) {
+t_object *attr_offset_array_new(const char *name, t_symbol *type, long size, long flags, const method mget,
+                                const method mset, long offsetcount, long offset) {
     if (!at_door(offsetcount == 0, "attr_offset_array_new", "an array whose length varies"))
         return nullptr;
-    return new_attribute("attr_offset_array_new", name, type, size, mget, mset, offset);
+    return new_attribute("attr_offset_array_new", name, type, size, flags, mget, mset, offset);
 }
 
 t_max_err class_addattr(t_class *c, t_object *attr) {
@@ -215,8 +238,10 @@ void *class_attr_get(t_class *x, t_symbol *attrname) {
     return at_door(x, "class_attr_get", "no class") ? find_attribute(*static_cast<Class *>(x), attrname) : nullptr;
 }
 
-t_max_err class_attr_addattr_parse(t_class *c, const char *attrname, const char *attrname2, t_symbol *type, long,
+t_max_err class_attr_addattr_parse(t_class *c, const char *attrname, const char *attrname2, t_symbol *type, long flags,
                                    const char *parsestr) {
+    if (!at_door(flags == ATTR_FLAGS_NONE, "class_attr_addattr_parse", flags_not_had))
+        return MAX_ERR_GENERIC;
     auto *attribute = static_cast<Attribute *>(class_attr_get(c, gensym(attrname)));
     if (!attribute)
         return MAX_ERR_GENERIC;

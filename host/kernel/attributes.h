@@ -31,7 +31,8 @@ std::span<const t_atom> subattribute(const Attribute &attribute, const char *nam
 // Runs the getter; `values` is filled on the result 0.
 t_max_err get_attribute(t_object *object, Attribute &attribute, std::vector<t_atom> &values);
 
-// Runs the setter and, once the object is ready, its "notify" with "attr_modified".
+// Runs the setter and, once the object is ready, its "notify" with "attr_modified": at once on the main thread, through
+// the queue on the scheduler thread.
 t_max_err set_attribute(t_object *object, Attribute &attribute, std::span<const t_atom> values);
 
 // Puts the declared default of every attribute that the dictionary has no key for into it.

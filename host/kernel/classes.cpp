@@ -201,6 +201,9 @@ t_max_err class_register(t_symbol *name_space, t_class *c) {
     auto *cls = static_cast<Class *>(c);
     if (!at_door(cls && name_space && !cls->name_space, "class_register", "no class, or one that is registered"))
         return MAX_ERR_GENERIC;
+    if (!at_door((cls->c_flags & ~CLASS_FLAG_NEWDICTIONARY) == 0, "class_register",
+                 "flags that this host does not have"))
+        return MAX_ERR_GENERIC;
     const t_max_err result =
         guarded("class_register", t_max_err{MAX_ERR_OUT_OF_MEM}, [&] { return publish(name_space, cls->name, cls); });
     if (result == MAX_ERR_NONE)

@@ -24,7 +24,8 @@ struct Class : maxclass {
     method construct = nullptr;
     method destroy = nullptr; // may be null
     size_t size = 0;
-    bool is_box = false;   // set by jbox_initclass
+    bool is_box = false;   // set by jbox_initclass, like
+    long box_flags = 0;    // its flags
     bool is_typed = false; // its boxes are made from a text, class and arguments
     bool counted = true;   // its objects count as alive (host memory)
     std::vector<Method> methods;

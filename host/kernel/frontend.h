@@ -12,7 +12,14 @@ namespace maxhost {
 enum class ConsoleLine { post, warn, error };
 
 // Families of calls that can be traced; bits of FrontEnd::traced.
-enum TraceFamily : unsigned { trace_view = 1, trace_queue = 2, trace_lock = 4, trace_file = 8, trace_dirty = 16 };
+enum TraceFamily : unsigned {
+    trace_view = 1,
+    trace_queue = 2,
+    trace_lock = 4,
+    trace_file = 8,
+    trace_dirty = 16,
+    trace_notify = 32
+};
 
 // What became of a text editor.
 enum class EditorEvent { open, text, file, title, visible, close };

@@ -8,6 +8,10 @@
 
 namespace maxhost {
 
+// The most atoms that a message between boxes may have, beside its selector: more than 16 bits cannot count.
+constexpr size_t most_atoms = 32767;
+constexpr const char *too_long = "message too long: more than 32767 atoms";
+
 struct Message {
     t_symbol *selector;
     std::span<const t_atom> arguments;

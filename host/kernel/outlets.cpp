@@ -2,11 +2,14 @@
 #include "kernel/outlets.h"
 
 #include <algorithm>
+#include <cstring>
 #include <span>
 
+#include "jpatcher_api.h"
 #include "kernel/classes.h"
 #include "kernel/console.h"
 #include "kernel/frontend.h"
+#include "kernel/message.h"
 #include "kernel/objects.h"
 
 namespace maxhost {
@@ -18,24 +21,73 @@ constexpr int deepest_nesting = 500;
 // How many messages one event may cause: more than any patch needs, and done with in seconds.
 constexpr long most_messages = 10'000'000;
 
-thread_local int nesting = 0;
-thread_local long messages = 0;       // of the event that is under way
-thread_local bool overflowed = false; // until the event that went too far has unwound
+// How many bytes of messages may come back, within one event, to an outlet that is still sending. A message that grows
+// by a word each time round comes to the deepest nesting before it.
+constexpr size_t most_returning_bytes = 2'000'000;
 
-// Counts one level of nesting while it lives.
-class Nesting {
+class Sending;
+
+// The event that is under way on this thread.
+struct Event {
+    const Sending *innermost = nullptr; // of the messages that are being sent
+    int nesting = 0;
+    long messages = 0;
+    size_t returning_bytes = 0;
+    bool overflowed = false; // it went too far: nothing is sent until it has unwound
+};
+thread_local Event event;
+
+// About as much as the atoms take as text.
+size_t bytes_of(std::span<const t_atom> atoms) {
+    constexpr size_t number = 8;
+    size_t bytes = 0;
+    for (const t_atom &atom : atoms)
+        bytes += 1 + (atom_gettype(&atom) == A_SYM ? std::strlen(atom_getsym(&atom)->s_name) : number);
+    return bytes;
+}
+
+// A message on its way through an outlet, while it lives: one level of nesting.
+class Sending {
   public:
-    Nesting() {
-        ++nesting;
-        ++messages;
+    Sending(const Outlet &outlet, std::span<const t_atom> arguments) : outlet_(outlet), around_(event.innermost) {
+        event.innermost = this;
+        ++event.nesting;
+        ++event.messages;
+        if (returns())
+            event.returning_bytes += bytes_of(arguments);
+        atoms_ = arguments.size();
     }
-    ~Nesting() {
-        if (--nesting > 0)
-            return;
-        overflowed = false;
-        messages = 0;
+    ~Sending() {
+        event.innermost = around_;
+        if (--event.nesting == 0)
+            event = {};
     }
-    bool goes_too_far() const { return nesting > deepest_nesting || messages > most_messages; }
+    Sending(const Sending &) = delete;
+    Sending &operator=(const Sending &) = delete;
+
+    // Why the event ends here; null when it goes on.
+    const char *reason_to_end() const {
+        if (atoms_ > most_atoms)
+            return too_long;
+        if (event.nesting > deepest_nesting || event.messages > most_messages)
+            return "stack overflow: messages go round in a circle";
+        if (event.returning_bytes > most_returning_bytes)
+            return "stack overflow: long messages go round in a circle";
+        return nullptr;
+    }
+
+  private:
+    // Whether the outlet is sending already.
+    bool returns() const {
+        const Sending *each = around_;
+        while (each && &each->outlet_ != &outlet_)
+            each = each->around_;
+        return each != nullptr;
+    }
+
+    const Outlet &outlet_;
+    const Sending *around_;
+    size_t atoms_ = 0;
 };
 
 void *new_outlet(void *x, t_symbol *message, const char *function) {
@@ -63,27 +115,46 @@ void forget_source(t_object *receiver, const Outlet *outlet) {
         record->sources.erase(std::next(found).base());
 }
 
+void refuse_kind(const Outlet &outlet, long position, const t_symbol *selector) {
+    guarded("outlet_anything", [&] {
+        console_error(outlet.owner, "outlet " + std::to_string(position) + " sends only \"" + outlet.message->s_name +
+                                        "\", not \"" + selector->s_name + "\"");
+    });
+}
+
+// What messages to the first inlet of an object reach; null when that is not alive.
+t_object *first_inlet_of(t_object *object) {
+    const Record *record = record_of(object);
+    if (!record || !record->cls->is_box)
+        return object;
+    t_object *first = reinterpret_cast<t_jbox *>(object)->b_firstin;
+    return first == object || record_of(first) ? first : nullptr;
+}
+
 void *send(t_outlet *x, t_symbol *selector, std::span<const t_atom> arguments, const char *function) {
     if (!at_door(x, function, "null outlet"))
         return nullptr;
     const auto *outlet = static_cast<const Outlet *>(x);
     const Record *record = expect_object(outlet->owner, function);
-    if (!record || overflowed)
+    if (!record || event.overflowed || !at_door(selector, function, "no selector"))
         return nullptr;
-    const Nesting level;
-    if (level.goes_too_far()) {
-        overflowed = true;
-        console_error(outlet->owner, "stack overflow: messages go round in a circle");
+    if (outlet->message && selector != outlet->message) {
+        refuse_kind(*outlet, position_from_left(*record, *outlet), selector);
+        return nullptr;
+    }
+    const Sending level(*outlet, arguments);
+    if (const char *reason = level.reason_to_end()) {
+        guarded(function, [&] { end_event(outlet->owner, reason); });
         return nullptr;
     }
     guarded(function, [&] {
         if (front_end().output)
             front_end().output(display_name(outlet->owner), position_from_left(*record, *outlet), selector, arguments);
         const std::vector<Cord> cords = outlet->cords; // a receiver may change them
-        for (const Cord &cord : cords)
-            deliver(cord.receiver, selector, arguments, cord.inlet);
+        for (size_t i = 0; i < cords.size() && !event.overflowed; ++i)
+            deliver_to_inlet(cords[i].receiver, cords[i].inlet, selector, arguments);
     });
-    return reinterpret_cast<void *>(static_cast<t_ptr_int>(!overflowed));
+    return reinterpret_cast<void *>(static_cast<t_ptr_int>(!event.overflowed));
 }
 
 } // namespace
@@ -112,6 +183,21 @@ void set_inlet_count(t_object *object, long count) {
 
 void *send_through(t_outlet *outlet, t_symbol *selector, std::span<const t_atom> arguments) {
     return send(outlet, selector, arguments, "outlet_anything");
+}
+
+void end_event(const t_object *object, const char *reason) {
+    if (event.overflowed)
+        return;
+    event.overflowed = event.nesting > 0;
+    console_error(object, reason);
+}
+
+void deliver_to_inlet(t_object *object, long inlet, t_symbol *selector, std::span<const t_atom> arguments) {
+    t_object *reached = inlet == 0 ? first_inlet_of(object) : object;
+    if (reached)
+        deliver(reached, selector, arguments, inlet);
+    else
+        console_error(object, "its first inlet leads to no object that is alive");
 }
 
 void connect(Outlet &outlet, const Cord &cord) {

@@ -16,7 +16,7 @@ struct Cord {
 
 struct Outlet {
     t_object *owner;
-    t_symbol *message; // the only message it sends, or null for any
+    t_symbol *message; // the only message it sends, or null for any; others are refused with a line on the console
     long created;      // how many outlets the owner had before; they come from right to left
     std::vector<Cord> cords;
 };
@@ -29,8 +29,17 @@ long outlet_count(t_object *owner);
 long inlet_count(const t_object *object);
 void set_inlet_count(t_object *object, long count);
 
-// Sends a message of any length through an outlet, as outlet_anything does.
+// Sends a message through an outlet, as outlet_anything does. One of more than `most_atoms` is refused like one that
+// goes round in a circle: the console says so, and nothing more is sent until the event is over.
 void *send_through(t_outlet *outlet, t_symbol *selector, std::span<const t_atom> arguments);
+
+// Says on the console, against an object, why an event goes too far, once: within a message from an outlet nothing more
+// is sent until the event is over.
+void end_event(const t_object *object, const char *reason);
+
+// Delivers a message to an inlet of an object, counted from the left, as a cord does: what comes to the first inlet of
+// a box reaches its b_firstin. When that is not alive, the console says so.
+void deliver_to_inlet(t_object *object, long inlet, t_symbol *selector, std::span<const t_atom> arguments);
 
 // Adds a cord; takes out all cords that leave an object or lead to it.
 void connect(Outlet &outlet, const Cord &cord);

@@ -170,6 +170,16 @@ void tell_of_endless_queue() {
 
 bool run_queue_once() { return run_round() > 0; }
 
+void defer(void *object, method function, t_symbol *symbol, std::span<const t_atom> atoms) {
+    Entries made(1, Entry{object, function, symbol, {atoms.begin(), atoms.end()}, nullptr});
+    {
+        std::lock_guard lock(queue().mutex);
+        queue().deferred[object].push_back(made.begin());
+        queue().entries.splice(queue().entries.end(), made);
+    }
+    tell_of_work();
+}
+
 void forget_deferred(const void *object) {
     std::lock_guard lock(queue().mutex);
     auto found = queue().deferred.find(object);
@@ -188,15 +198,7 @@ void *defer_low(void *ob, method fn, t_symbol *sym, short argc, t_atom *argv) {
     trace(trace_queue, "defer_low", sym, static_cast<int>(argc));
     if (!at_door(ob && fn && argc >= 0 && (argv || argc == 0), "defer_low", "no object, no function or no atoms"))
         return nullptr;
-    guarded("defer_low", [&] {
-        Entries made(1, Entry{ob, fn, sym, {}, nullptr});
-        if (argv)
-            made.front().atoms.assign(argv, argv + argc);
-        std::lock_guard lock(queue().mutex);
-        queue().deferred[ob].push_back(made.begin());
-        queue().entries.splice(queue().entries.end(), made);
-    });
-    tell_of_work();
+    guarded("defer_low", [&] { defer(ob, fn, sym, {argv, static_cast<size_t>(argc)}); });
     return nullptr;
 }
 

@@ -1,6 +1,8 @@
 // The low-priority queue of the main thread: deferred calls and queue elements, first in, first out.
 #pragma once
 
+#include <span>
+
 #include "ext_proto.h"
 #include "kernel/export.h"
 
@@ -20,6 +22,10 @@ MAXHOST_EMBED void tell_of_endless_queue();
 
 // Runs what is queued now and leaves what that queues; false when nothing was queued. Main thread.
 MAXHOST_EMBED bool run_queue_once();
+
+// Queues a call as defer_low does, on behalf of the host itself: it is not traced. When memory runs out
+// (std::bad_alloc) nothing is queued. Any thread.
+void defer(void *object, method function, t_symbol *symbol, std::span<const t_atom> atoms);
 
 // Takes back the deferred calls for an object.
 void forget_deferred(const void *object);

@@ -27,7 +27,10 @@ Scheduler &scheduler() {
     return the_scheduler;
 }
 
+thread_local bool is_scheduler_thread = false;
+
 void run_jobs(Scheduler &s) {
+    is_scheduler_thread = true;
     std::unique_lock lock(s.mutex);
     while (true) {
         s.changed.wait(lock, [&] { return s.ending || !s.jobs.empty(); });
@@ -77,6 +80,8 @@ void stop_scheduler() {
     s.thread = std::thread();
     s.ending = false;
 }
+
+bool on_scheduler_thread() { return is_scheduler_thread; }
 
 void between_deliveries(const std::function<void()> &change) {
     std::unique_lock lock(scheduler().delivering);

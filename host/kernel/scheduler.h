@@ -14,6 +14,9 @@ void wait_for_scheduler();
 // Ends the thread when its jobs are done.
 void stop_scheduler();
 
+// Whether it is the scheduler thread that asks.
+bool on_scheduler_thread();
+
 // Runs `change` while the scheduler thread delivers nothing: objects go only then. Main thread.
 void between_deliveries(const std::function<void()> &change);
 

@@ -27,12 +27,18 @@ template <typename... Arguments> void trace(TraceFamily family, const char *call
         guarded(call, [&] { emit_trace((std::string(call) + ... + (" " + trace_argument(arguments)))); });
 }
 
-// Traces a call of the family "file" with its result, and passes the result on.
-template <typename... Arguments> short traced_result(short result, const char *call, Arguments... arguments) {
-    if (is_traced(trace_file))
+// The line "CALL ARGS -> RESULT".
+template <typename... Arguments>
+void trace_result(TraceFamily family, t_atom_long result, const char *call, Arguments... arguments) {
+    if (is_traced(family))
         guarded(call, [&] {
             emit_trace((std::string(call) + ... + (" " + trace_argument(arguments))) + " -> " + std::to_string(result));
         });
+}
+
+// Traces a call of the family "file" with its result, and passes the result on.
+template <typename... Arguments> short traced_result(short result, const char *call, Arguments... arguments) {
+    trace_result(trace_file, result, call, arguments...);
     return result;
 }
 

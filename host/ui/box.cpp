@@ -35,6 +35,9 @@ t_rect rect_of(const double *parts) {
     return {place_of(parts[0]), place_of(parts[1]), extent_of(parts[2]), extent_of(parts[3])};
 }
 
+constexpr long class_flags = JBOX_COLOR | JBOX_FONTATTR | JBOX_FIXWIDTH;
+constexpr long instance_flags = JBOX_DRAWFIRSTIN | JBOX_NODRAWBOX | JBOX_DRAWINLAST | JBOX_GROWBOTH;
+
 t_jbox *expect_box(const void *box, const char *function) {
     if (!box_state(box)) {
         misuse(function, "not a living box");
@@ -149,9 +152,11 @@ using namespace maxhost;
 
 void jbox_initclass(t_class *c, long flags) {
     auto *cls = static_cast<Class *>(c);
-    if (!at_door(cls && cls->size >= sizeof(t_jbox), "jbox_initclass", "instances without room for the box part"))
+    if (!at_door(cls && cls->size >= sizeof(t_jbox), "jbox_initclass", "instances without room for the box part") ||
+        !at_door((flags & ~class_flags) == 0, "jbox_initclass", "flags that this host does not have"))
         return;
     cls->is_box = true;
+    cls->box_flags = flags;
     add_attribute(c, "patching_rect", "float64", 4, nullptr, reinterpret_cast<method>(set_patching_rect),
                   offsetof(t_jbox, b_patching_rect));
     if ((flags & JBOX_FONTATTR) == 0)
@@ -162,12 +167,15 @@ void jbox_initclass(t_class *c, long flags) {
                   reinterpret_cast<method>(set_fontsize), 0);
 }
 
-t_max_err jbox_new(t_jbox *b, long, long argc, t_atom *argv) {
+t_max_err jbox_new(t_jbox *b, long flags, long argc, t_atom *argv) {
     Record *record = expect_object(b, "jbox_new");
     if (!record || !at_door(record->cls->is_box && !b->obex, "jbox_new", "not a box class, or called twice"))
         return MAX_ERR_INVALID_PTR;
+    if (!at_door((flags & ~instance_flags) == 0, "jbox_new", "flags that this host does not have"))
+        return MAX_ERR_GENERIC;
     return guarded("jbox_new", t_max_err{MAX_ERR_OUT_OF_MEM}, [&] {
-        std::unique_ptr<BoxState> state(new BoxState{gensym(default_font), default_font_size, {}, nullptr, {}, {}});
+        std::unique_ptr<BoxState> state(
+            new BoxState{gensym(default_font), default_font_size, flags, {}, nullptr, {}, {}});
         state->views.reserve(1); // so that the view of a usual box finds its place
         b->obex = state.get();
         try {
@@ -202,8 +210,21 @@ void jbox_free(t_jbox *b) {
     b->obex = nullptr;
 }
 
-t_max_err jbox_notify(t_jbox *b, t_symbol *, t_symbol *, void *, void *) {
-    return expect_box(b, "jbox_notify") ? MAX_ERR_NONE : MAX_ERR_INVALID_PTR;
+static t_max_err handle_notification(t_jbox *box, const t_symbol *message, const void *data) {
+    const auto *attribute = as<Attribute>(data);
+    if (message != gensym("attr_modified") || !attribute)
+        return MAX_ERR_GENERIC;
+    const std::span<const t_atom> paint = subattribute(*attribute, "paint");
+    if (!paint.empty() && atom_getlong(paint.data()) != 0)
+        show_again(box);
+    return MAX_ERR_NONE;
+}
+
+t_max_err jbox_notify(t_jbox *b, t_symbol *s, t_symbol *msg, void *, void *data) {
+    const t_max_err result =
+        expect_box(b, "jbox_notify") ? handle_notification(b, msg, data) : t_max_err{MAX_ERR_INVALID_PTR};
+    trace_result(trace_notify, result, "jbox_notify", s, msg);
+    return result;
 }
 
 void jbox_redraw(t_jbox *b) {

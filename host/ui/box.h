@@ -22,6 +22,7 @@ struct KeptBoxReleaser {
 struct BoxState {
     std::atomic<t_symbol *> font_name; // set and read on both threads, like the size
     std::atomic<double> font_size;
+    long flags;                                     // of jbox_new
     std::vector<DataView *> views;                  // whose client the box is
     Patcher *inner = nullptr;                       // the patcher in the box; its class frees it
     std::unique_ptr<KeptBox, KeptBoxReleaser> kept; // what a file said of the box

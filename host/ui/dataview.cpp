@@ -137,7 +137,7 @@ DrawList paint_row(DataView &view, PatcherView &patcher_view, long position, lon
     patcher_view.context = &context;
     for (const Column *column : view.columns) {
         const bool fills = view.autosize_right_column && column == view.columns.back() && width > 0;
-        const long cell = fills ? width : width_of(*column);
+        const long cell = std::min(fills ? width : width_of(*column), column->max_width);
         width -= cell;
         if (column->custom_paint)
             object_method(view.client, column->custom_paint, &patcher_view, column->name, row, cell, height, selected);

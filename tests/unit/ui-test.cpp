@@ -87,6 +87,7 @@ class ViewTest : public HostTest {
     static void register_client() {
         client_class =
             class_new("client", (method)client_new, (method)client_free, sizeof(Client), nullptr, A_GIMME, 0);
+        client_class->c_flags |= CLASS_FLAG_NEWDICTIONARY;
         jbox_initclass(client_class, JBOX_FONTATTR);
         class_addmethod(client_class, (method)client_selected, "selected", A_CANT, 0);
         class_addmethod(client_class, (method)client_paint, "paintcell", A_CANT, 0);
@@ -185,6 +186,17 @@ TEST_F(ViewTest, ColumnsAreNoWiderThanTheirMaximum) {
     EXPECT_EQ(state().column_width, 100);
     jcolumn_setmaxwidth(client->column, 104);
     EXPECT_EQ(state().column_width, 104);
+}
+
+TEST_F(ViewTest, AColumnThatFillsARowIsNoWiderThanItsMaximum) {
+    fill(1);
+    jdataview_selectcell(client->view, gensym("column"), row_id(1));
+    jdataview_setautosizerightcolumn(client->view, 1);
+    const auto painted_width = [&](long shown) { return painted_row(box(), 1, nullptr, shown).at(1).rect.width; };
+    EXPECT_EQ(painted_width(80), 80);
+    EXPECT_EQ(painted_width(300), 100);
+    jcolumn_setmaxwidth(client->column, 250);
+    EXPECT_EQ(painted_width(300), 250);
 }
 
 TEST_F(ViewTest, DrawingOutsideOfPaintingIsRefused) {

@@ -31,6 +31,7 @@ template <typename Parts> HostBox<Parts> *begin_box(t_class *cls, long argc, t_a
     if (!x)
         return nullptr;
     jbox_new(&x->box, 0, argc, argv);
+    x->box.b_firstin = &x->box.b_ob;
     x->parts = new Parts();
     return x;
 }
@@ -91,6 +92,9 @@ struct BoxText {
 BoxText read_text(const t_dictionary *dictionary);
 void change_text(BoxText &text, std::string shown);
 void save_text(t_dictionary *dictionary, const BoxText &text);
+
+// Says on the console that a text was not changed, because it would have more words than a message can.
+void refuse_long_text(const t_jbox &box);
 
 inline t_atom long_atom(t_atom_long number) {
     t_atom atom;

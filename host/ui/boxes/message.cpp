@@ -3,6 +3,7 @@
 #include <string>
 
 #include "kernel/atomtext.h"
+#include "kernel/console.h"
 #include "kernel/receivers.h"
 #include "ui/boxes/boxes.h"
 #include "ui/boxes/hostbox.h"
@@ -20,26 +21,54 @@ using MessageBox = HostBox<MessageParts>;
 
 t_class *message_class;
 
+constexpr size_t longest_word = 32767; // bytes, of one that is put together when it is sent
+
 void set_text(MessageParts &parts, std::string text) {
     parts.messages = parse_messages(text);
     change_text(parts.text, std::move(text));
+}
+
+// The same, unless the text has more words than a message can: then false.
+bool set_text_that_fits(MessageParts &parts, std::string text) {
+    size_t words = 0;
+    for (const TypedMessage &message : parse_messages(text))
+        words += message.atoms.size();
+    if (words > most_atoms)
+        return false;
+    set_text(parts, std::move(text));
+    return true;
 }
 
 std::string bare_text(const t_atom &atom) {
     return atom_gettype(&atom) == A_SYM ? atom_getsym(&atom)->s_name : print_atom(atom);
 }
 
-// A word that begins with $1 to $9, with the argument in its place; alone it stays what it is.
-t_atom filled_in(const char *word, const std::array<t_atom, 9> &arguments) {
-    const t_atom &argument = arguments[static_cast<size_t>(word[1] - '1')];
-    return word[2] == 0 ? argument : symbol_atom(gensym((bare_text(argument) + (word + 2)).c_str()));
+// Puts the argument in the place of the $1 to $9 that a word begins with; alone it stays what it is. False when the
+// word gets too long.
+bool fill_in(t_atom &word, const std::array<t_atom, 9> &arguments) {
+    const char *typed = atom_getsym(&word)->s_name;
+    const t_atom &argument = arguments[static_cast<size_t>(typed[1] - '1')];
+    if (typed[2] == 0) {
+        word = argument;
+        return true;
+    }
+    const std::string text = bare_text(argument) + (typed + 2);
+    if (text.size() > longest_word)
+        return false;
+    word = symbol_atom(gensym(text.c_str()));
+    return true;
 }
 
-void fill_in(TypedMessage &message, const std::array<t_atom, 9> &arguments) {
+bool fill_in(TypedMessage &message, const std::array<t_atom, 9> &arguments) {
     for (size_t place : message.changeable)
-        message.atoms[place] = filled_in(atom_getsym(&message.atoms[place])->s_name, arguments);
-    if (message.changeable_receiver)
-        message.receiver = gensym(bare_text(filled_in(message.receiver->s_name, arguments)).c_str());
+        if (!fill_in(message.atoms[place], arguments))
+            return false;
+    if (!message.changeable_receiver)
+        return true;
+    t_atom receiver = symbol_atom(message.receiver);
+    const bool fits = fill_in(receiver, arguments);
+    message.receiver = gensym(bare_text(receiver).c_str());
+    return fits;
 }
 
 void send_messages(MessageBox *x) {
@@ -51,9 +80,13 @@ void send_messages(MessageBox *x) {
         arguments = x->parts->arguments;
     }
     for (TypedMessage &message : messages) {
-        fill_in(message, arguments);
+        if (!fill_in(message, arguments))
+            return console_error(&x->box.b_ob, "word too long: more than 32767 bytes");
+        const Message made = message_of(message.atoms);
+        if (message.receiver && made.arguments.size() > most_atoms)
+            return console_error(&x->box.b_ob, too_long);
         if (message.receiver)
-            deliver_to_name_or_tell(message.receiver, message_of(message.atoms));
+            deliver_to_name_or_tell(message.receiver, made);
         else if (!send_atoms(x->parts->outlet, message.atoms))
             return;
     }
@@ -64,32 +97,36 @@ void set_arguments(MessageParts &parts, std::span<const t_atom> atoms) {
         parts.arguments[i] = atoms[i];
 }
 
-// The words that change the text or the arguments without a sound; false for any other.
-bool edit(MessageParts &parts, const Message &message, std::span<const t_atom> atoms) {
+enum class Edit { none, made, refused };
+
+// The words that change the text or the arguments without a sound.
+Edit edit(MessageParts &parts, const Message &message, std::span<const t_atom> atoms) {
     const std::string_view selector = message.selector->s_name;
     const std::string typed = typed_atoms(message.arguments);
+    const auto outcome = [](bool fits) { return fits ? Edit::made : Edit::refused; };
     const HeldRegion hold;
+    const std::string gap = parts.text.shown.empty() ? "" : " ";
     if (current_inlet() == 1)
-        set_text(parts, typed_atoms(atoms));
-    else if (selector == "set")
-        set_text(parts, typed);
-    else if (selector == "append")
-        set_text(parts, parts.text.shown + (parts.text.shown.empty() ? "" : " ") + typed);
-    else if (selector == "prepend")
-        set_text(parts, typed + (parts.text.shown.empty() ? "" : " ") + parts.text.shown);
-    else if (selector == "setargs")
-        set_arguments(parts, message.arguments);
-    else
-        return false;
-    return true;
+        return outcome(set_text_that_fits(parts, typed_atoms(atoms)));
+    if (selector == "set")
+        return outcome(set_text_that_fits(parts, typed));
+    if (selector == "append")
+        return outcome(set_text_that_fits(parts, parts.text.shown + gap + typed));
+    if (selector == "prepend")
+        return outcome(set_text_that_fits(parts, typed + gap + parts.text.shown));
+    if (selector != "setargs")
+        return Edit::none;
+    set_arguments(parts, message.arguments);
+    return Edit::made;
 }
 
 void message_anything(MessageBox *x, t_symbol *selector, long argc, t_atom *argv) {
     const Message message{selector, {argv, static_cast<size_t>(argc)}};
     std::vector<t_atom> atoms;
     append_message(atoms, message);
-    if (edit(*x->parts, message, atoms))
-        return show_again(&x->box);
+    const Edit edited = edit(*x->parts, message, atoms);
+    if (edited != Edit::none)
+        return edited == Edit::made ? show_again(&x->box) : refuse_long_text(x->box);
     if (selector != gensym("bang")) {
         const HeldRegion hold;
         set_arguments(*x->parts, atoms);

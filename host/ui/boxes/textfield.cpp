@@ -1,4 +1,5 @@
 // The text field, in which a person enters a text: it goes out behind the word "text".
+#include <algorithm>
 #include <string>
 
 #include "ext_obex_util.h"
@@ -40,21 +41,34 @@ void textfield_bang(TextField *x) {
     send_atoms(x->parts->outlet, atoms);
 }
 
-void textfield_set(TextField *x, t_symbol *, long argc, t_atom *argv) {
+// Whether a text is no longer than a message. Looking for blanks is quick, and mostly enough.
+bool fits_message(const std::string &text) {
+    const auto blanks = static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) { return c <= ' '; }));
+    return blanks < most_atoms || parse_atoms(text).size() <= most_atoms;
+}
+
+// Puts atoms in the place of the text, or after it; false when it would be too long.
+bool enter_text(TextField *x, std::span<const t_atom> atoms, bool after) {
+    bool fits;
     {
         const HeldRegion hold;
-        change_text(x->parts->text, shown_text({argv, static_cast<size_t>(argc)}));
+        std::string text = shown_text(atoms);
+        if (after && !x->parts->text.shown.empty())
+            text.insert(0, x->parts->text.shown + " ");
+        fits = fits_message(text);
+        if (fits)
+            change_text(x->parts->text, std::move(text));
     }
-    show_again(&x->box);
+    fits ? show_again(&x->box) : refuse_long_text(x->box);
+    return fits;
+}
+
+void textfield_set(TextField *x, t_symbol *, long argc, t_atom *argv) {
+    enter_text(x, {argv, static_cast<size_t>(argc)}, false);
 }
 
 void textfield_append(TextField *x, t_symbol *, long argc, t_atom *argv) {
-    {
-        const HeldRegion hold;
-        const std::string before = x->parts->text.shown + (x->parts->text.shown.empty() ? "" : " ");
-        change_text(x->parts->text, before + shown_text({argv, static_cast<size_t>(argc)}));
-    }
-    show_again(&x->box);
+    enter_text(x, {argv, static_cast<size_t>(argc)}, true);
 }
 
 void textfield_clear(TextField *x) { textfield_set(x, nullptr, 0, nullptr); }
@@ -66,16 +80,16 @@ void textfield_content(TextField *x, std::vector<t_atom> *content) {
 
 // A person has entered a text.
 void textfield_entered(TextField *x, long argc, t_atom *argv) {
-    textfield_set(x, nullptr, argc, argv);
-    textfield_bang(x);
+    if (enter_text(x, {argv, static_cast<size_t>(argc)}, false))
+        textfield_bang(x);
 }
 
 // Any other message is a text that is entered.
 void textfield_anything(TextField *x, t_symbol *selector, long argc, t_atom *argv) {
     std::vector<t_atom> atoms;
     append_message(atoms, {selector, {argv, static_cast<size_t>(argc)}});
-    textfield_set(x, selector, static_cast<long>(atoms.size()), atoms.data());
-    textfield_bang(x);
+    if (enter_text(x, atoms, false))
+        textfield_bang(x);
 }
 
 void textfield_save(TextField *x, t_dictionary *dictionary) {
