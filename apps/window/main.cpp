@@ -9,6 +9,7 @@
 
 #include "boxaccess.h"
 #include "editorwindow.h"
+#include "embed/signals.h"
 #include "look.h"
 #include "patcherwindow.h"
 #include "picture.h"
@@ -158,6 +159,7 @@ int run(const Options &options) {
 } // namespace
 
 int main(int argc, char **argv) {
+    maxhost::take_signals_here();
     try {
         CLI::App app("", "vrk-window");
         Options options;

@@ -1,5 +1,7 @@
 // An XML file that is edited in a text editor window.
 
+#include <cstring>
+
 #include "vrk.jxmlfile.h" // libxml2's headers come before the host's
 
 #include "xmldocument.h"
@@ -29,12 +31,12 @@ void document_free(XmlDocument *x) { jxmlfile_free(x->holder); }
 
 // The holder queues its writing, which does not tell whether it could write: so it is written here as well.
 long document_edsave(XmlDocument *x, char **text, long size, const char *name, t_ptr_int folder) {
-    const xmlDoc *before = x->holder->doc;
     const long result = jxmlfile_edsave(x->holder, text, size, name, static_cast<short>(folder));
-    const bool is_taken = x->holder->doc != before;
-    if (is_taken && vrk_save_document(x->holder->write_path, x->holder->doc) < 0)
-        object_error(&x->object, "unable to write %s", name);
-    return is_taken ? result : -1;
+    const bool is_taken = result > 0;
+    const int written = is_taken ? vrk_save_document(x->holder->write_path, x->holder->doc) : 0;
+    if (written < 0)
+        object_error(&x->object, "unable to write %s (%s)", name, std::strerror(-written));
+    return result;
 }
 
 void document_edclose(XmlDocument *x, char **text, long size) {

@@ -175,7 +175,7 @@ void EditorTest::file_that_cannot_be_written_is_told() {
     QTest::keyClicks(&window->text(), "<a>typed</a>");
     when_asked([&](QDialog &dialog) { press(dialog, QMessageBox::Save); }); // something else is there now
     QVERIFY(!window->save());
-    QVERIFY(window->statusBar()->currentMessage().contains("unable to write"));
+    QVERIFY(window->statusBar()->currentMessage().contains("unable to write list.xml (Is a directory)"));
 }
 
 void EditorTest::what_is_found_later_is_told() {
