@@ -13,6 +13,7 @@ import threading
 import time
 from pathlib import Path
 
+sys.dont_write_bytecode = True  # nothing is left beside the sources
 sys.path.insert(0, str(Path(__file__).parent / "mutation"))
 
 from equivalent import Equivalents
@@ -127,12 +128,12 @@ def described(fault, numbers):
     return f"# {numbers[fault]}, line {fault.line}\n{fault.file}\n- {fault.before}\n+ {fault.after}\n"
 
 
-def rounds(groups):
-    """The nearest groups first, a few at a time."""
-    left = list(groups)
+def rounds(tests):
+    """The nearest tests first, a few at a time."""
+    left = list(tests)
     for seconds in ROUNDS:
         some = []
-        while left and (not some or sum(group.seconds for group in some) + left[0].seconds < seconds):
+        while left and (not some or sum(test.seconds for test in some) + left[0].seconds < seconds):
             some.append(left.pop(0))
         yield some
 
@@ -166,14 +167,15 @@ class Worker:
         self.copy.put(fault, self.texts[fault.file])
         return self.tests_notice(self.copy, self.reach.near(self.schemata.around(fault)))
 
-    def tests_notice(self, workshop, groups, **variables):
-        for some in rounds(groups):
+    def tests_notice(self, workshop, tests, **variables):
+        for some in rounds(tests):
             for program in PROGRAMS:
-                asked = [group for group in some if group.program == program]
+                asked = [test for test in some if test.program == program]
                 if asked and workshop is self.copy:
                     workshop.build(program, *PROGRAMS[program])
-                if asked and workshop.tests_notice(program, [group.filter for group in asked],
-                                                   sum(group.seconds_allowed() for group in asked), **variables):
+                seconds = sum(test.seconds_allowed() for test in asked)
+                if asked and workshop.failed_tests(program, [test.name for test in asked], self.reach.broken, seconds,
+                                                   **variables):
                     return True
         return False
 

@@ -307,8 +307,8 @@ class Source:
             elif token.kind == "letter":
                 self.edit(token.start, token.end, f"char({token.text} + 1)", self.more(token, 1))
             elif token.kind == "text" and not token.text.startswith("R"):
-                self.edit(token.end - 1, token.end, '~"',
-                          [(token.start, token.end, f'(vrk_at(@) ? {token.text[:-1]}~" : ', ")")])
+                chosen = [(token.start, token.end, f'(vrk_at(@) ? {token.text[:-1]}~" : ', ")")]
+                self.edit(token.end - 1, token.end, '~"', chosen if self.word(index - 1) != "sizeof" else ())
             elif token.text in ("true", "false"):
                 self.edit(token.start, token.end, "false" if token.text == "true" else "true",
                           [(token.start, token.end, "(", " != vrk_at(@))")])

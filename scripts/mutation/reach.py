@@ -7,55 +7,56 @@ from workshop import PROGRAMS
 
 
 @dataclass(frozen=True)
-class Group:
-    """Tests that are run together: those of a suite, or one test where each starts programs."""
+class Test:
     program: str
-    filter: str
+    name: str
     seconds: float
-    faults: int  # that it comes by: the fewer, the nearer it is to each
+    faults: int  # that it comes by
 
     def seconds_allowed(self):
         return 10 + 20 * self.seconds
 
 
 class Reach:
-    def __init__(self, groups, numbers):
-        self.groups = groups  # all that pass without a fault
-        self.by_number = {}   # the groups that come by a fault
-        for group, reached in zip(groups, numbers):
+    def __init__(self, tests, numbers, broken):
+        self.broken = broken  # tests that fail without a fault, and are left out
+        self.by_number = {}   # the tests that come by a fault
+        for test, reached in zip(tests, numbers):
             for number in reached:
-                self.by_number.setdefault(number, []).append(group)
+                self.by_number.setdefault(number, []).append(test)
 
     def near(self, numbers):
-        """The groups that come by any of these faults, the nearest first."""
-        found = {group for number in numbers for group in self.by_number.get(number, [])}
-        return sorted(found, key=lambda group: (group.faults, group.seconds, group.filter))
+        """The tests that come by any of these faults, those first that are quick and come by few others."""
+        found = {test for number in numbers for test in self.by_number.get(number, [])}
+        return sorted(found, key=lambda test: (test.seconds * test.faults, test.name))
 
 
-def filters_of(workshop, program):
+def tests_of(workshop, program):
     suite = ""
     for line in workshop.run_tests(program, ["--gtest_list_tests"], 60).stdout.splitlines():
         name = line.split("#")[0].rstrip()
         if not name.startswith(" "):
             suite = name
-        alone = program in ("box-tests", "xml-tool-tests", "fault-tests")
-        if name.startswith(" ") == alone and suite.endswith("."):
-            yield suite + name.strip() if alone else suite + "*"
+        elif suite.endswith("."):
+            yield suite + name.strip()
 
 
-def measure(workshop, marks, say):
-    """Every group alone: what it comes by, and how long it takes."""
+def measure(workshop, marks, broken, say):
+    """Every test alone: what it comes by, and how long it takes. Tests that fail are added to `broken`."""
     file = workshop.tree.with_name("reached")
     for program in PROGRAMS:
-        for name in filters_of(workshop, program):
-            file.write_bytes(bytes(marks))
-            began = time.monotonic()
-            failed = workshop.tests_notice(program, [name], 600, VRK_REACHED=str(file))
-            seconds = time.monotonic() - began
+        for name in tests_of(workshop, program):
+            failed = True
+            while failed:
+                file.write_bytes(bytes(marks))
+                began = time.monotonic()
+                failed = workshop.failed_tests(program, [name], broken, 600, VRK_REACHED=str(file))
+                seconds = time.monotonic() - began
+                broken += failed
+                for test in failed:
+                    say(f"left out, for it fails without a fault: {program} {test}")
             reached = [number for number, mark in enumerate(file.read_bytes()) if mark]
-            if failed:
-                say(f"left out, for it fails without a fault: {program} {name}")
-            elif reached:
+            if reached:
                 yield (program, name, seconds, len(reached)), reached
 
 
@@ -64,6 +65,8 @@ def find_reach(workshop, marks, cache, key, say):
     known = json.loads(cache.read_text()) if cache.exists() else {}
     if known.get("key") != key:
         say("running every test without a fault")
-        known = {"key": key, "groups": list(measure(workshop, marks, say))}
+        broken = []
+        known = {"key": key, "tests": list(measure(workshop, marks, broken, say)), "broken": broken}
         cache.write_text(json.dumps(known))
-    return Reach([Group(*group) for group, _ in known["groups"]], [reached for _, reached in known["groups"]])
+    return Reach([Test(*test) for test, _ in known["tests"]], [reached for _, reached in known["tests"]],
+                 known["broken"])

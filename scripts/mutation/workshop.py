@@ -1,5 +1,6 @@
 """Copies of the sources in which faults are put, built and tested. The user's own files are never changed."""
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -78,9 +79,14 @@ class Workshop:
     def run_tests(self, program, options, seconds, **variables):
         return self.run([f"build/{PRESET}/bin/{program}", *options], seconds, **variables)
 
-    def tests_notice(self, program, filters, seconds, **variables):
-        options = ["--gtest_fail_fast", "--gtest_brief=1", "--gtest_filter=" + ":".join(filters)]
-        return self.run_tests(program, options, seconds, **variables).returncode != 0
+    def failed_tests(self, program, filters, without, seconds, **variables):
+        """The names of the tests that fail first, or the filters when there is no name, as after a crash; nothing when
+        all pass."""
+        chosen = "--gtest_filter=" + ":".join(filters) + "-" + ":".join(without)
+        ran = self.run_tests(program, ["--gtest_fail_fast", "--gtest_brief=1", chosen], seconds, **variables)
+        if ran.returncode == 0:
+            return []
+        return re.findall(r"^\[  FAILED  \] ([^\s,]+)", ran.stdout, re.MULTILINE) or filters
 
     def configure(self):
         kinds = ("EXE", "MODULE", "SHARED") if shutil.which("ld.lld") else ()  # links in no time
