@@ -7,9 +7,11 @@
 #include <set>
 
 #include "ext_proto.h"
+#include "kernel/console.h"
 #include "kernel/critical.h"
 #include "kernel/frontend.h"
 #include "kernel/objects.h"
+#include "kernel/outlets.h"
 
 namespace maxhost {
 namespace {
@@ -66,6 +68,19 @@ Clock *take_next(double until) {
     return next;
 }
 
+// What a clock has begun went too far, and would do so again and again.
+void stop_for_good(Clock *clock) {
+    if (!record_of(clock)) // its task has freed it
+        return;
+    {
+        std::lock_guard lock(timetable().mutex);
+        if (!clock->set)
+            return;
+        stop(*clock);
+    }
+    console_error(static_cast<const t_object *>(clock->object), "its clock is stopped");
+}
+
 } // namespace
 
 Class *Clock::host_class() {
@@ -84,12 +99,15 @@ double clock_time() {
 }
 
 bool run_next_clock(double until) {
-    const Clock *next = take_next(until);
+    Clock *next = take_next(until);
     if (!next)
         return false;
     using Task = void (*)(void *);
+    const long ended_before = ended_events();
     reinterpret_cast<Task>(next->task)(next->object);
     expect_no_region("a clock's task");
+    if (ended_events() != ended_before)
+        stop_for_good(next);
     return true;
 }
 

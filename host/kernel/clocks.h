@@ -12,7 +12,7 @@ namespace maxhost {
 MAXHOST_EMBED double clock_time();
 
 // Lets time pass up to the next task that is due before or at `until`, and runs it. False when none is; then it is
-// `until`. Time never goes back.
+// `until`. Time never goes back. A clock whose task began an event that went too far is stopped, and the console says so.
 MAXHOST_EMBED bool run_next_clock(double until);
 
 // When the next task is due; nothing when none is. Any thread.

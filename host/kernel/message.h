@@ -8,7 +8,7 @@
 
 namespace maxhost {
 
-// The most atoms that a message between boxes may have, beside its selector: more than 16 bits cannot count.
+// The most atoms that a message between boxes may have, besides its selector: they are counted in 16 bits.
 constexpr size_t most_atoms = 32767;
 constexpr const char *too_long = "message too long: more than 32767 atoms";
 

@@ -21,9 +21,10 @@ constexpr int deepest_nesting = 500;
 // How many messages one event may cause: more than any patch needs, and done with in seconds.
 constexpr long most_messages = 10'000'000;
 
-// How many bytes of messages may come back, within one event, to an outlet that is still sending. A message that grows
-// by a word each time round comes to the deepest nesting before it.
+// How many bytes of long messages may come back, within one event, to an outlet that is still sending. A message that
+// grows by a word each time round comes to the deepest nesting before it.
 constexpr size_t most_returning_bytes = 2'000'000;
+constexpr size_t short_message = 256; // bytes; messages up to that are only counted
 
 class Sending;
 
@@ -37,10 +38,12 @@ struct Event {
 };
 thread_local Event event;
 
-// About as much as the atoms take as text.
-size_t bytes_of(std::span<const t_atom> atoms) {
+thread_local long ended = 0;
+
+// About as much as the message takes as text.
+size_t bytes_of(const t_symbol *selector, std::span<const t_atom> atoms) {
     constexpr size_t number = 8;
-    size_t bytes = 0;
+    size_t bytes = std::strlen(selector->s_name);
     for (const t_atom &atom : atoms)
         bytes += 1 + (atom_gettype(&atom) == A_SYM ? std::strlen(atom_getsym(&atom)->s_name) : number);
     return bytes;
@@ -49,13 +52,14 @@ size_t bytes_of(std::span<const t_atom> atoms) {
 // A message on its way through an outlet, while it lives: one level of nesting.
 class Sending {
   public:
-    Sending(const Outlet &outlet, std::span<const t_atom> arguments) : outlet_(outlet), around_(event.innermost) {
+    Sending(const Outlet &outlet, const t_symbol *selector, std::span<const t_atom> arguments)
+        : outlet_(outlet), around_(event.innermost), atoms_(arguments.size()) {
         event.innermost = this;
         ++event.nesting;
         ++event.messages;
-        if (returns())
-            event.returning_bytes += bytes_of(arguments);
-        atoms_ = arguments.size();
+        const size_t bytes = bytes_of(selector, arguments);
+        if (bytes > short_message && returns())
+            event.returning_bytes += bytes;
     }
     ~Sending() {
         event.innermost = around_;
@@ -87,7 +91,7 @@ class Sending {
 
     const Outlet &outlet_;
     const Sending *around_;
-    size_t atoms_ = 0;
+    size_t atoms_;
 };
 
 void *new_outlet(void *x, t_symbol *message, const char *function) {
@@ -142,7 +146,7 @@ void *send(t_outlet *x, t_symbol *selector, std::span<const t_atom> arguments, c
         refuse_kind(*outlet, position_from_left(*record, *outlet), selector);
         return nullptr;
     }
-    const Sending level(*outlet, arguments);
+    const Sending level(*outlet, selector, arguments);
     if (const char *reason = level.reason_to_end()) {
         guarded(function, [&] { end_event(outlet->owner, reason); });
         return nullptr;
@@ -189,8 +193,11 @@ void end_event(const t_object *object, const char *reason) {
     if (event.overflowed)
         return;
     event.overflowed = event.nesting > 0;
+    ++ended;
     console_error(object, reason);
 }
+
+long ended_events() { return ended; }
 
 void deliver_to_inlet(t_object *object, long inlet, t_symbol *selector, std::span<const t_atom> arguments) {
     t_object *reached = inlet == 0 ? first_inlet_of(object) : object;

@@ -37,6 +37,9 @@ void *send_through(t_outlet *outlet, t_symbol *selector, std::span<const t_atom>
 // is sent until the event is over.
 void end_event(const t_object *object, const char *reason);
 
+// How many events have been ended so on this thread.
+long ended_events();
+
 // Delivers a message to an inlet of an object, counted from the left, as a cord does: what comes to the first inlet of
 // a box reaches its b_firstin. When that is not alive, the console says so.
 void deliver_to_inlet(t_object *object, long inlet, t_symbol *selector, std::span<const t_atom> arguments);

@@ -123,11 +123,14 @@ void read_dictionary(t_jbox *box, const t_dictionary *dictionary) {
     box->b_id = symbol_under(dictionary, "id");
 }
 
-// Fills a box whose state is there, and enters it into the patcher that is being filled.
+// Fills a box whose state is there, and enters it into the patcher that is being filled. A class may take no
+// dictionary; the patcher has the one that the box is made from all the same.
 void begin_box(t_jbox *box, const t_dictionary *dictionary) {
+    auto *patcher = as<Patcher>(gensym("#P")->s_thing);
+    if (!dictionary && patcher)
+        dictionary = patcher->box_dictionary;
     if (dictionary)
         read_dictionary(box, dictionary);
-    auto *patcher = as<Patcher>(gensym("#P")->s_thing);
     if (!patcher)
         return;
     state_of(box).place = enter_box(*patcher, box);

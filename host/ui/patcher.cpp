@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "ext_proto.h"
 #include "kernel/attributes.h"
@@ -29,6 +30,20 @@ class Binding {
   private:
     t_symbol *symbol_;
     t_object *before_;
+};
+
+// Keeps the dictionary of the box that is being made in a patcher.
+class BoxBeingMade {
+  public:
+    BoxBeingMade(Patcher &patcher, const t_dictionary *dictionary)
+        : patcher_(patcher), before_(std::exchange(patcher.box_dictionary, dictionary)) {}
+    ~BoxBeingMade() { patcher_.box_dictionary = before_; }
+    BoxBeingMade(const BoxBeingMade &) = delete;
+    BoxBeingMade &operator=(const BoxBeingMade &) = delete;
+
+  private:
+    Patcher &patcher_;
+    const t_dictionary *before_;
 };
 
 void forget_name(BoxesByName &boxes, t_symbol *name, const t_jbox *box) {
@@ -80,6 +95,7 @@ t_object *make_box(Patcher &patcher, const Class &cls, t_dictionary *dictionary,
         return nullptr;
     const bool takes_dictionary = (cls.c_flags & CLASS_FLAG_NEWDICTIONARY) != 0;
     const Binding patcher_being_filled(gensym("#P"), &patcher);
+    const BoxBeingMade box_being_made(patcher, dictionary);
     std::vector<t_atom> atoms;
     if (takes_dictionary) {
         add_defaults(cls, dictionary);

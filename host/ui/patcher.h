@@ -31,6 +31,7 @@ struct Patcher : t_object {
     BoxesByName by_name;       // scripting names
     BoxesByName by_id;
     std::vector<PatcherView *> views;                            // that are open
+    const t_dictionary *box_dictionary = nullptr;                // of the box that is being made
     t_jbox *owner = nullptr;                                     // the box that this patcher is in
     long newest_id = 0;                                          // of "obj-N"
     std::atomic<bool> dirty{false};                              // of a patcher that is in no box
@@ -52,7 +53,7 @@ struct PatcherView : t_object {
 
 // Makes a box in a patcher, from its dictionary, to which the declared defaults are added. The constructor is called
 // with the dictionary and, after it, the arguments; that of a class which takes no dictionary with the arguments alone.
-// Null when it makes none.
+// Name, id, rectangle and font come from the dictionary for every class. Null when it makes none.
 t_object *make_box(Patcher &patcher, const Class &cls, t_dictionary *dictionary, std::span<const t_atom> arguments);
 
 // Why a box that is made from a dictionary will not have the id that this asks for; empty when nothing is in the way.

@@ -149,6 +149,7 @@ TEST_F(BoxPromisesTest, ADictionaryAndDefaultsAreForClassesThatAskForThem) {
     teller_class->c_flags = CLASS_FLAG_NEWDICTIONARY;
     EXPECT_EQ(reinterpret_cast<Teller *>(made)->plain, 0);
     EXPECT_EQ(reinterpret_cast<Teller *>(made)->painted, 0);
+    EXPECT_EQ(named("u"), made) << "the name is the host's, for every class";
 }
 
 // ---- notifications

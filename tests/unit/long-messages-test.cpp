@@ -71,6 +71,55 @@ TEST_F(LongMessagesTest, ALongMessageThatGoesRoundIsEndedThoughItDoesNotGrow) {
     EXPECT_LT(bytes_sent, 3'000'000u);
 }
 
+TEST_F(LongMessagesTest, ALongSelectorCountsAsWell) {
+    box("p", "message " + std::string(100'000, 'x'));
+    cord("p", 0, "p");
+    EXPECT_EQ(told("p", "bang"), long_circle);
+    EXPECT_LT(bytes_sent, 3'000'000u);
+}
+
+TEST_F(LongMessagesTest, ShortMessagesMayComeBackAsOftenAsAnyMessage) {
+    for (int level = 0; level <= 10; ++level) { // 1024 bangs
+        box("t" + std::to_string(level), "trigger b b");
+        for (long outlet = 0; level > 0 && outlet < 2; ++outlet)
+            cord("t" + std::to_string(level - 1), outlet, "t" + std::to_string(level));
+    }
+    box("count", "counter 0 149"); // goes round until it is 0 again
+    box("end", "route 0");
+    box("again", "trigger b");
+    cord("t10", 0, "count");
+    cord("count", 0, "end");
+    cord("end", 1, "again");
+    cord("again", 0, "count");
+    EXPECT_EQ(told("t0", "bang"), no_lines);
+    EXPECT_GT(bytes_sent, 4'000'000u);
+}
+
+TEST_F(LongMessagesTest, AClockThatBeginsACircleIsStopped) {
+    box("m", "metro 10");
+    box("p", "prepend" + words(200));
+    cord("m", 0, "p");
+    cord("p", 0, "p");
+    sent("m", "0");
+    EXPECT_EQ(told("m", "1"), long_circle);
+    take_lines();
+    for (int tick = 0; tick < 3; ++tick)
+        run_next_clock(clock_time() + 10);
+    Lines told_later = take_lines();
+    std::erase_if(told_later, [](const std::string &line) { return !line.starts_with("error"); });
+    EXPECT_EQ(told_later, (Lines{long_circle[0], "error: m: its clock is stopped"}));
+}
+
+TEST_F(LongMessagesTest, ATextHasAtMostAMillionBytes) {
+    for (const char *typed : {"message", "textfield"}) {
+        t_object *made = box("b", typed);
+        EXPECT_EQ(sent("b", "set " + std::string(999'998, 'x')), no_lines);
+        EXPECT_EQ(sent("b", "append y"), no_lines);
+        EXPECT_EQ(sent("b", "append y"), (Lines{"error: b: text too long: more than 32767 words or 1000000 bytes"}));
+        free_box(made);
+    }
+}
+
 TEST_F(LongMessagesTest, AMessageThatGrowsByAWordComesToTheDeepestNesting) {
     box("p", "prepend abcdefgh");
     cord("p", 0, "p");
@@ -111,7 +160,7 @@ TEST_F(LongMessagesTest, AMessageByNameIsNoLongerThanOneByCord) {
 TEST_F(LongMessagesTest, ATextOfMoreWordsThanAMessageMayHaveStaysAsItWas) {
     for (const char *typed : {"message @text kept", "textfield @text kept"}) {
         t_object *made = box("b", typed);
-        const Lines refused{"error: b: text too long: more than 32767 words"};
+        const Lines refused{"error: b: text too long: more than 32767 words or 1000000 bytes"};
         EXPECT_EQ(sent("b", "append" + words(32766, "7")), no_lines);
         EXPECT_EQ(sent("b", "append 8"), refused);
         EXPECT_EQ(sent("b", "set kept"), no_lines);
@@ -123,10 +172,10 @@ TEST_F(LongMessagesTest, ATextOfMoreWordsThanAMessageMayHaveStaysAsItWas) {
 
 TEST_F(LongMessagesTest, ATextFieldDoesNotSendATextThatItRefuses) {
     box("b", "textfield @text kept");
-    EXPECT_EQ(sent("b", words(32768, "7")), (Lines{"error: b: text too long: more than 32767 words"}));
+    EXPECT_EQ(sent("b", words(32768, "7")), (Lines{"error: b: text too long: more than 32767 words or 1000000 bytes"}));
     const t_atom many = parse_atoms("\"" + words(32768, "7") + "\"")[0];
     EXPECT_TRUE(enter_value(named("b"), {&many, 1}));
-    EXPECT_EQ(take_lines(), (Lines{"error: b: text too long: more than 32767 words"}));
+    EXPECT_EQ(take_lines(), (Lines{"error: b: text too long: more than 32767 words or 1000000 bytes"}));
     EXPECT_EQ(sent("b", "bang"), (Lines{"b:0 text kept"}));
 }
 
@@ -136,7 +185,7 @@ TEST_F(LongMessagesTest, ATextThatGrowsInACircleIsRefusedOnceForEachEvent) {
     cord("p", 0, "b");
     cord("p", 0, "p");
     for (int event = 0; event < 2; ++event)
-        EXPECT_EQ(told("p", "x"), (Lines{"error: b: text too long: more than 32767 words"}));
+        EXPECT_EQ(told("p", "x"), (Lines{"error: b: text too long: more than 32767 words or 1000000 bytes"}));
 }
 
 TEST_F(LongMessagesTest, AMessageBoxTakesNoLongerTextIntoItsRightInletOrItsFront) {
@@ -145,5 +194,5 @@ TEST_F(LongMessagesTest, AMessageBoxTakesNoLongerTextIntoItsRightInletOrItsFront
     cord("s", 1, "b", 1);
     const Lines all = sent("s", words(32767, "7"));
     EXPECT_EQ(all.size(), 1u);
-    EXPECT_EQ(sent("b", "prepend 8"), (Lines{"error: b: text too long: more than 32767 words"}));
+    EXPECT_EQ(sent("b", "prepend 8"), (Lines{"error: b: text too long: more than 32767 words or 1000000 bytes"}));
 }

@@ -55,7 +55,9 @@ void change_text(BoxText &text, std::string shown) {
     text.kept.assign(1, symbol_atom(gensym(text.shown.c_str())));
 }
 
-void refuse_long_text(const t_jbox &box) { end_event(&box.b_ob, "text too long: more than 32767 words"); }
+void refuse_long_text(const t_jbox &box) {
+    end_event(&box.b_ob, "text too long: more than 32767 words or 1000000 bytes");
+}
 
 void save_text(t_dictionary *dictionary, const BoxText &text) {
     std::vector<t_atom> atoms = text.kept;

@@ -93,7 +93,11 @@ BoxText read_text(const t_dictionary *dictionary);
 void change_text(BoxText &text, std::string shown);
 void save_text(t_dictionary *dictionary, const BoxText &text);
 
-// Says on the console that a text was not changed, because it would have more words than a message can.
+// The most that typing or a message can put into a text, in bytes. A patcher file may hold more.
+constexpr size_t longest_text = 1'000'000;
+
+// Says on the console that a text was not changed, because it would have more words than a message can, or more bytes
+// than that; the event is ended.
 void refuse_long_text(const t_jbox &box);
 
 inline t_atom long_atom(t_atom_long number) {

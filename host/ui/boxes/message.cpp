@@ -28,14 +28,18 @@ void set_text(MessageParts &parts, std::string text) {
     change_text(parts.text, std::move(text));
 }
 
-// The same, unless the text has more words than a message can: then false.
+// The same, unless the text is too long: then false.
 bool set_text_that_fits(MessageParts &parts, std::string text) {
+    if (text.size() > longest_text)
+        return false;
+    std::vector<TypedMessage> messages = parse_messages(text);
     size_t words = 0;
-    for (const TypedMessage &message : parse_messages(text))
+    for (const TypedMessage &message : messages)
         words += message.atoms.size();
     if (words > most_atoms)
         return false;
-    set_text(parts, std::move(text));
+    parts.messages = std::move(messages);
+    change_text(parts.text, std::move(text));
     return true;
 }
 
@@ -81,10 +85,10 @@ void send_messages(MessageBox *x) {
     }
     for (TypedMessage &message : messages) {
         if (!fill_in(message, arguments))
-            return console_error(&x->box.b_ob, "word too long: more than 32767 bytes");
+            return end_event(&x->box.b_ob, "word too long: more than 32767 bytes");
         const Message made = message_of(message.atoms);
         if (message.receiver && made.arguments.size() > most_atoms)
-            return console_error(&x->box.b_ob, too_long);
+            return end_event(&x->box.b_ob, too_long);
         if (message.receiver)
             deliver_to_name_or_tell(message.receiver, made);
         else if (!send_atoms(x->parts->outlet, message.atoms))

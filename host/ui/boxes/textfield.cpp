@@ -43,8 +43,9 @@ void textfield_bang(TextField *x) {
 
 // Whether a text is no longer than a message. Looking for blanks is quick, and mostly enough.
 bool fits_message(const std::string &text) {
-    const auto blanks = static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) { return c <= ' '; }));
-    return blanks < most_atoms || parse_atoms(text).size() <= most_atoms;
+    const auto is_blank = [](unsigned char c) { return c <= ' '; };
+    const auto blanks = static_cast<size_t>(std::count_if(text.begin(), text.end(), is_blank));
+    return text.size() <= longest_text && (blanks < most_atoms || parse_atoms(text).size() <= most_atoms);
 }
 
 // Puts atoms in the place of the text, or after it; false when it would be too long.
@@ -59,7 +60,10 @@ bool enter_text(TextField *x, std::span<const t_atom> atoms, bool after) {
         if (fits)
             change_text(x->parts->text, std::move(text));
     }
-    fits ? show_again(&x->box) : refuse_long_text(x->box);
+    if (fits)
+        show_again(&x->box);
+    else
+        refuse_long_text(x->box);
     return fits;
 }
 
