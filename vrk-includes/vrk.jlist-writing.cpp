@@ -197,6 +197,7 @@ void jlist_write(t_jlist *list, t_symbol *, short argc, t_atom *argv) {
     if (!choose_file(list, &choice))
         return;
     t_symbol *path = vrk_path_to_OSX_path(list->owner, gensym(choice.full_path));
-    if (const int result = write_file(list, holder.get(), path, choice))
+    const bool is_converted = path->s_name[0] || !choice.full_path[0]; // unless the full path is too long
+    if (const int result = is_converted ? write_file(list, holder.get(), path, choice) : -ENAMETOOLONG)
         note_failure(list, choice.given ? choice.given : gensym(choice.name), -result);
 }

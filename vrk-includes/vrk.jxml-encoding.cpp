@@ -22,6 +22,14 @@ xml_encoder with_name(xmlCharEncodingHandlerPtr found, xml_text name) {
     return xml_encoder(found);
 }
 
+// Whether libxml2 has its table of encodings. While memory is too short for it, 2.9 hands out encoders that it has
+// freed with an earlier one.
+bool has_encodings() {
+    xmlInitParser(); // or xmlCleanupParser leaves the table behind
+    xml_text name(xmlStrdup(as_xml("UTF-8")));
+    return name && with_name(xmlFindCharEncodingHandler("UTF-8"), std::move(name));
+}
+
 // ---- which encoding
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -160,13 +168,15 @@ jxml_refusal decode(std::string_view bytes, jxml_decoded *out) {
 } // namespace
 
 xml_encoder jxml_find_encoder(const char *name) {
-    xml_text copy(xmlStrdup(as_xml(name)));
+    xml_text copy(has_encodings() ? xmlStrdup(as_xml(name)) : nullptr);
     return copy ? with_name(xmlFindCharEncodingHandler(name), std::move(copy)) : nullptr;
 }
 
 jxml_refusal jxml_decode(std::string_view bytes, jxml_decoded *out) {
     constexpr jxml_refusal out_of_memory = {"out of memory for %s", 0};
     const quiet_libxml quiet;
+    if (!has_encodings())
+        return out_of_memory;
     try {
         const jxml_refusal refusal = decode(bytes, out);
         return quiet.out_of_memory() ? out_of_memory : refusal;

@@ -259,14 +259,14 @@ static bool lock(int file) { return flock(file, LOCK_EX | LOCK_NB) == 0 || errno
 // Makes a file under a name that nobody has, and locks it. Somebody may have taken it for a stray before.
 static int make_beside(const std::string &folder, const std::string &stem, mode_t mode, beside_file &beside) {
     for (int number = 0; number < 100; ++number) {
-        const std::string path = folder + stem + std::to_string(getpid()) + "-" + std::to_string(number);
+        std::string path = folder + stem + std::to_string(getpid()) + "-" + std::to_string(number);
         descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
         if (!file.is_open() && errno != EEXIST)
             return errno;
         struct stat status;
         if (!file.is_open() || !lock(file) || fstat(file, &status) != 0 || status.st_nlink == 0)
             continue;
-        beside.path = path;
+        beside.path = std::move(path); // a copy could find no memory, and leave the file behind
         beside.file = std::move(file);
         return 0;
     }

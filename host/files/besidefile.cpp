@@ -119,13 +119,13 @@ void BesideFile::remove_strays() const {
 
 int BesideFile::make(mode_t permissions) {
     for (int number = 0; number < attempts; ++number) {
-        const std::string name = folder_ + stem_ + std::to_string(getpid()) + "-" + std::to_string(number);
+        std::string name = folder_ + stem_ + std::to_string(getpid()) + "-" + std::to_string(number);
         Descriptor file(open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
         if (!file.is_open() && errno != EEXIST)
             return errno;
         if (!file.is_open() || !claim(file))
             continue;
-        name_ = name;
+        name_ = std::move(name); // a copy could find no memory, and leave the file behind
         file_ = std::move(file);
         return 0;
     }

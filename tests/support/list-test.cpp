@@ -26,6 +26,7 @@ void owner_selected(ListOwner *x, t_symbol *column, t_rowref row) {
 void *owner_new(t_symbol *, long argc, t_atom *argv) {
     auto *x = static_cast<ListOwner *>(object_alloc(owner_class));
     jbox_new(&x->box, 0, argc, argv);
+    x->box.b_firstin = &x->box.b_ob;
     jbox_ready(&x->box);
     return x;
 }
