@@ -1431,10 +1431,9 @@ long jxmlfile_deleteattr(t_jxmlfile *holder, long argc, t_atom *argv, char verbo
 
 void jxmlfile_open(t_jxmlfile *holder) { jxmlfile_openeditor(holder); }
 
-// The document as indented text in UTF-8, which is what the editor takes. A document without an encoding is written in
-// ASCII; one in another encoding is turned into UTF-8, its declaration included.
-static xml_text editor_text(xmlDocPtr document) {
+xml_text jxmlfile_editor_text(const t_jxmlfile *holder) {
     const quiet_libxml quiet;
+    xmlDocPtr document = holder ? holder->doc : nullptr;
     xmlChar *text = nullptr;
     int size = 0;
     if (document && document->encoding)
@@ -1455,7 +1454,7 @@ void jxmlfile_openeditor(t_jxmlfile *holder) {
     if (!holder->editor)
         return;
     vrk_set_editorfile_from_pathname(holder->editor, holder->file_path);
-    if (const xml_text text = editor_text(holder->doc))
+    if (const xml_text text = jxmlfile_editor_text(holder))
         object_method(holder->editor, gensym("settext"), text.get(), gensym("utf-8"));
 }
 

@@ -164,6 +164,11 @@ long jxmlfile_count(t_jxmlfile *holder, long argc, t_atom *argv, short *count, c
 void jxmlfile_open(t_jxmlfile *holder);
 void jxmlfile_openeditor(t_jxmlfile *holder);
 
+// The document as indented text in UTF-8, which is what the editor takes. A document without an encoding is written in
+// ASCII; one in another encoding is turned into UTF-8, its declaration included. Null without a holder or a document,
+// or when memory runs out.
+xml_text jxmlfile_editor_text(const t_jxmlfile *holder);
+
 // The owner forwards its editor's "edsave" and "edclose" here. Saving takes the text (at most `size` bytes, up to a
 // zero) as the document and queues its writing: 1. -1 when the text does not parse: then the document that was held
 // stays, nothing is written, and the console gets a line only for a text beyond a bound; xmlGetLastError() tells where

@@ -91,11 +91,11 @@ bool read_xml_text(const QString &file, QString &text, QString &reason) {
     XmlDocument *x = open_document(file, reason);
     if (!x)
         return false;
-    xmlChar *bytes = nullptr;
-    int size = 0;
-    xmlDocDumpFormatMemory(x->holder->doc, &bytes, &size, 1);
-    text = QString::fromUtf8(reinterpret_cast<const char *>(bytes), size);
-    xmlFree(bytes);
+    const xml_text bytes = jxmlfile_editor_text(x->holder);
+    if (bytes)
+        text = QString::fromUtf8(reinterpret_cast<const char *>(bytes.get()));
+    else
+        reason = "out of memory";
     object_free(x);
-    return true;
+    return bytes != nullptr;
 }

@@ -22,6 +22,7 @@ class EditorTest : public WindowTest {
     void saving_over_a_changed_file_asks_data();
     void saving_over_a_changed_file_asks();
     void changes_on_the_disk_are_noticed();
+    void reloading_keeps_letters_of_other_encodings();
     void a_file_that_cannot_be_read_again_is_told();
     void file_that_cannot_be_written_is_told();
     void what_is_found_later_is_told();
@@ -33,15 +34,18 @@ class EditorTest : public WindowTest {
 
   private:
     void write_file(const QString &content);
+    void write_bytes(const QByteArray &bytes);
     EditorWindow *edit(const QString &content);
     static QColor color_at(const CodeEdit &text, int line, int column);
 };
 
-void EditorTest::write_file(const QString &content) {
+void EditorTest::write_file(const QString &content) { write_bytes(("<?xml version=\"1.0\"?>\n" + content).toUtf8()); }
+
+void EditorTest::write_bytes(const QByteArray &bytes) {
     QFile file(path_of("list.xml"));
     if (!file.open(QFile::WriteOnly))
         qFatal("the file cannot be written");
-    file.write(("<?xml version=\"1.0\"?>\n" + content).toUtf8());
+    file.write(bytes);
 }
 
 EditorWindow *EditorTest::edit(const QString &content) {
@@ -150,6 +154,16 @@ void EditorTest::changes_on_the_disk_are_noticed() {
     QTest::mouseClick(button_of(*bar, "Keep"), Qt::LeftButton);
     QVERIFY(window->text().toPlainText().contains("second"));
     window->text().document()->setModified(false);
+}
+
+void EditorTest::reloading_keeps_letters_of_other_encodings() {
+    EditorWindow *window = edit("<a/>");
+    auto *bar = window->findChild<ChangeBar *>();
+    write_bytes("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<a>\xE9t\xE9</a>\n");
+    QTRY_VERIFY(bar->isVisible());
+    QTest::mouseClick(button_of(*bar, "Reload"), Qt::LeftButton);
+    QCOMPARE(window->text().toPlainText(),
+             QString::fromUtf8("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\u00E9t\u00E9</a>\n"));
 }
 
 void EditorTest::a_file_that_cannot_be_read_again_is_told() {
