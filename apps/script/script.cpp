@@ -285,7 +285,8 @@ void Script::open(Atoms words) {
 void Script::save(Atoms words) {
     const std::string file = text_of(argument(words, 0, "file"));
     std::string reason;
-    if (!save_patcher(patcher(), file, reason))
+    patcher(); // an untitled one can be saved as well
+    if (!stage_.save(file, reason))
         refuse(file + ": " + reason);
 }
 

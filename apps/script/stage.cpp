@@ -14,6 +14,8 @@ void Stage::make_untitled() {
     patcher_ = maxhost::new_patcher();
 }
 
+bool Stage::save(const std::string &file, std::string &reason) { return maxhost::save_patcher(patcher_, file, reason); }
+
 void Stage::close() {
     if (patcher_)
         maxhost::free_patcher(patcher_);

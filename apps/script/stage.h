@@ -21,6 +21,9 @@ class Stage {
     virtual bool open(const std::string &file, std::string &reason);
     virtual void make_untitled();
 
+    // Saves the patcher that is open, as save_patcher does.
+    virtual bool save(const std::string &file, std::string &reason);
+
     // Frees the patcher that is open, if one is.
     virtual void close();
 

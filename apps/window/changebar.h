@@ -1,4 +1,4 @@
-// A bar at the edge of a window: its file has changed on the disk.
+// A bar at the edge of a window: its file is another one on the disk.
 #pragma once
 
 #include <QFrame>
@@ -12,8 +12,11 @@ class ChangeBar : public QFrame {
   public:
     ChangeBar(); // hidden
 
+    // What is known of the file: it was shown here and has changed since, or it was never what is shown.
+    enum class Difference { changed, unlike };
+
     // Offers to read a file again; one that is gone can only be kept. With `edited` it says what would be lost.
-    void offer(const QString &file, bool edited);
+    void offer(const QString &file, Difference difference, bool edited);
 
   Q_SIGNALS:
     void reload_wanted();
@@ -23,5 +26,6 @@ class ChangeBar : public QFrame {
     QPushButton *reload_;
 };
 
-// Whether the user wants to save over a file that has changed on the disk.
-bool may_save_over(const QString &file, QWidget *window);
+// Whether the user wants to save over a file that is not the one that was opened or saved. Asks again when the file
+// changes while the question is open. The window may go meanwhile; then it is false.
+bool may_save_over(QString file, QWidget *window);

@@ -19,9 +19,17 @@ QString Document::name() const {
 
 bool Document::save(const QString &file, QString &reason) {
     std::string why;
-    const bool is_saved = save_patcher(patcher_, QFileInfo(file).absoluteFilePath().toStdString(), why);
+    const bool is_saved = save_as_named(QFileInfo(file).absoluteFilePath().toStdString(), why);
     reason = QString::fromStdString(why);
     return is_saved;
+}
+
+bool Document::save_as_named(const std::string &file, std::string &reason) {
+    if (!save_patcher(patcher_, file, reason))
+        return false;
+    for (PatcherWindow *window : windows_)
+        window->show_saved();
+    return true;
 }
 
 bool Document::revert(QString &reason) {

@@ -31,6 +31,7 @@ class Document {
     // False with the reason when that fails. Saving takes the file as the document's own; reverting closes the windows
     // of patchers in boxes, and leaves everything as it is when the file cannot be opened.
     bool save(const QString &file, QString &reason);
+    bool save_as_named(const std::string &file, std::string &reason); // as the host takes names (save_patcher)
     bool revert(QString &reason);
 
     // The window of the whole patcher is the first one. The document owns all of them.

@@ -3,11 +3,12 @@
 
 #include <QCloseEvent>
 #include <QMenuBar>
-#include <QMessageBox>
+#include <QPointer>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
 #include "look.h"
+#include "question.h"
 #include "session.h"
 #include "textfault.h"
 #include "xmldocument.h"
@@ -31,7 +32,8 @@ EditorWindow::EditorWindow(t_object *editor, Session &session)
     make_menus();
     statusBar();
     connect(text_->document(), &QTextDocument::modificationChanged, this, &QWidget::setWindowModified);
-    connect(watch_, &FileWatch::changed, this, [this] { change_bar_->offer(file_, text_->document()->isModified()); });
+    connect(watch_, &FileWatch::changed, this, &EditorWindow::offer_reload);
+    connect(watch_, &FileWatch::unchanged, change_bar_, &QWidget::hide);
     connect(change_bar_, &ChangeBar::reload_wanted, this, &EditorWindow::reload);
     resize(720, 560);
     QMetaObject::invokeMethod(this, &QWidget::show, Qt::QueuedConnection);
@@ -62,9 +64,10 @@ void EditorWindow::refresh(EditorEvent event) {
     if (event == EditorEvent::text) {
         text_->setPlainText(QString::fromStdString(state.text));
         text_->document()->setModified(false);
-        follow_file();
+        file_ = QString::fromStdString(state.path);
+        compare_with_file();
     } else if (event == EditorEvent::file) {
-        follow_file();
+        take_path(QString::fromStdString(state.path));
     } else if (event == EditorEvent::visible) {
         setVisible(state.visible);
         raise();
@@ -78,77 +81,106 @@ void EditorWindow::editor_is_gone() {
     deleteLater();
 }
 
-void EditorWindow::follow_file() {
-    file_ = QString::fromStdString(editor_state(editor_).path);
-    as_held_ = stamp_of(file_.toStdString());
+// The owner names its file again and again, and its text stays the same.
+void EditorWindow::take_path(const QString &path) {
+    if (path == file_)
+        return;
+    file_ = path;
+    compare_with_file();
+}
+
+// An editor shows what its owner has in memory, and the file need not be the one that was read.
+void EditorWindow::compare_with_file() {
+    const FileStamp as_read = stamp_of(file_.toStdString());
+    QString text, reason;
+    const bool is_same = read_xml_text(file_, text, reason) && text == text_->toPlainText();
+    hold(is_same ? as_read : FileStamp());
+    watch_->look();
+}
+
+void EditorWindow::hold(const FileStamp &stamp) {
+    as_held_ = stamp;
     change_bar_->hide();
     watch_->follow(file_);
+}
+
+void EditorWindow::offer_reload() {
+    const auto difference = as_held_.exists ? ChangeBar::Difference::changed : ChangeBar::Difference::unlike;
+    change_bar_->offer(file_, difference, text_->document()->isModified());
 }
 
 void EditorWindow::reload() {
     const FileStamp as_read = stamp_of(file_.toStdString());
     QString text, reason;
     if (!read_xml_text(file_, text, reason)) {
-        QMessageBox::warning(this, name(), tr("%1 cannot be read again: %2").arg(name(), reason));
+        ask(this, name(), tr("%1 cannot be read again: %2").arg(name(), reason), QMessageBox::Ok, QMessageBox::Ok);
         return;
     }
     text_->setPlainText(text);
     text_->document()->setModified(false);
-    follow_file();
-    as_held_ = as_read;
+    hold(as_read);
 }
 
-// The owner may find something wrong with the text only when it has taken it: then the console says so.
+// The owner may find something wrong with the text only when it has taken it: then the console says so. What is queued
+// may open a dialog, and by its end the window may be gone.
 bool EditorWindow::hand_over(QString &reason) {
-    session_.bridge().deliver();
-    const int errors = session_.console().errors();
+    const QPointer<EditorWindow> window = this;
+    Session &session = session_;
+    session.bridge().deliver();
+    const int errors = session.console().errors();
     forget_text_fault();
     const bool is_taken = save_editor_text(editor_, text_->toPlainText().toStdString());
     const TextFault fault = last_text_fault();
     drain_queue();
-    session_.bridge().deliver();
+    session.bridge().deliver();
     if (!is_taken && fault.line > 0) {
         reason = tr("line %1, column %2: %3").arg(fault.line).arg(fault.column).arg(fault.reason);
-        text_->go_to(fault.line, fault.column);
+        if (window)
+            text_->go_to(fault.line, fault.column);
         return false;
     }
-    const bool is_faulty = session_.console().errors() > errors;
-    reason = is_faulty ? session_.console().last_error() : tr("nobody takes the text");
+    const bool is_faulty = session.console().errors() > errors;
+    reason = is_faulty ? session.console().last_error() : tr("the text is refused");
     return is_taken && !is_faulty;
 }
 
 bool EditorWindow::save() {
+    const QPointer<EditorWindow> window = this;
     const FileStamp now = stamp_of(file_.toStdString());
     if (now.exists && now != as_held_ && !may_save_over(file_, this))
         return false;
-    if (!editor_) // the owner has gone while the question was open
+    if (!window || !editor_) // the owner has gone while the question was open
         return false;
+    const QString before = file_;
     QString reason;
     const bool is_saved = hand_over(reason);
+    if (!window || !editor_)
+        return is_saved;
     statusBar()->setStyleSheet(is_saved ? QString() : "color: " + look_of(palette()).error.name());
     statusBar()->showMessage(is_saved ? tr("Saved") : tr("Not saved: %1").arg(reason), is_saved ? 3000 : 0);
     if (!is_saved)
         return false;
     text_->document()->setModified(false);
-    follow_file();
+    if (before.isEmpty() || file_ == before) // else its owner has turned to another file meanwhile
+        hold(stamp_of(file_.toStdString()));
     return true;
 }
 
 bool EditorWindow::may_close() {
     if (!text_->document()->isModified())
         return true;
-    const auto answer =
-        QMessageBox::question(this, name(), tr("The text of %1 has changed. Save it before it is closed?").arg(name()),
-                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    const auto answer = ask(this, name(), tr("The text of %1 has changed. Save it before it is closed?").arg(name()),
+                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && save());
 }
 
 void EditorWindow::closeEvent(QCloseEvent *event) {
     if (!editor_)
         return;
+    const QPointer<EditorWindow> window = this;
     if (!may_close())
         return event->ignore();
-    if (editor_) // the owner may have gone while the question was open
+    if (window && editor_) // the owner may have gone while the question was open
         close_editor_window(editor_);
 }
 

@@ -29,9 +29,9 @@ class EditorWindow : public QMainWindow {
     CodeEdit &text() { return *text_; }
     FindBar &find_bar() { return *find_bar_; }
 
-    // Hands the text to the editor's owner, after a question when its file has changed on the disk. False, and a person
-    // is told why, when it is not taken, or something is wrong with it; then the cursor stands at the place, if one is
-    // known.
+    // Hands the text to the editor's owner, after a question when its file on the disk is not the one that is shown.
+    // False, and the user is told why, when it is not taken, or something is wrong with it; then the cursor stands at
+    // the place, if one is known. The window may be gone afterwards: what the text does in its owner may free that.
     bool save();
 
   protected:
@@ -44,12 +44,15 @@ class EditorWindow : public QMainWindow {
     bool hand_over(QString &reason);
     QString name() const { return windowTitle().remove("[*]"); }
     void reload();
-    void follow_file();
+    void take_path(const QString &path);
+    void compare_with_file();
+    void hold(const maxhost::FileStamp &stamp);
+    void offer_reload();
 
     t_object *editor_; // null when it is gone
     Session &session_;
     QString file_;               // full path; empty without one
-    maxhost::FileStamp as_held_; // the file as it was when the text was read or saved
+    maxhost::FileStamp as_held_; // the file as it was when it held what is shown; that of no file when it never did
     ChangeBar *change_bar_;
     FileWatch *watch_;
     CodeEdit *text_;

@@ -13,8 +13,8 @@ FileWatch::FileWatch(std::function<bool()> is_changed, QObject *parent)
     : QObject(parent), is_changed_(std::move(is_changed)) {
     pause_.setSingleShot(true);
     pause_.setInterval(a_moment);
-    connect(&notices_, &QFileSystemWatcher::fileChanged, &pause_, qOverload<>(&QTimer::start));
-    connect(&notices_, &QFileSystemWatcher::directoryChanged, &pause_, qOverload<>(&QTimer::start));
+    connect(&notices_, &QFileSystemWatcher::fileChanged, this, &FileWatch::look_soon);
+    connect(&notices_, &QFileSystemWatcher::directoryChanged, this, &FileWatch::look_soon);
     connect(&pause_, &QTimer::timeout, this, &FileWatch::look);
 }
 
@@ -39,12 +39,23 @@ void FileWatch::watch_again() {
             notices_.addPath(path);
 }
 
+// Notices that come meanwhile do not put the look off: in a busy folder they may never end.
+void FileWatch::look_soon() {
+    if (!pause_.isActive())
+        pause_.start();
+}
+
 void FileWatch::look() {
     if (file_.isEmpty())
         return;
     watch_again();
     const maxhost::FileStamp now = maxhost::stamp_of(file_.toStdString());
-    if (told_ == now || !is_changed_())
+    if (!is_changed_()) {
+        told_.reset();
+        Q_EMIT unchanged();
+        return;
+    }
+    if (told_ == now)
         return;
     told_ = now;
     Q_EMIT changed();

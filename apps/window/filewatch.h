@@ -23,11 +23,15 @@ class FileWatch : public QObject {
     void look();
 
   Q_SIGNALS:
-    // The file has become another one: once for each change, when nothing has been heard of it for a moment.
+    // The file has become another one: once for each change, a moment after the first that was heard of it.
     void changed();
+
+    // The file is what it was again, or still; heard at every look that finds no change.
+    void unchanged();
 
   private:
     void watch_again();
+    void look_soon();
 
     std::function<bool()> is_changed_;
     QString file_;

@@ -68,7 +68,8 @@ PatcherWindow::PatcherWindow(t_object *patcher, Document &document, Session &ses
     make_status_bar();
     connect(&session.bridge(), &HostBridge::patcher_changed, this, [this] { show_title(); });
     connect(watch_, &FileWatch::changed, this,
-            [this] { change_bar_->offer(document_.file(), document_.is_changed()); });
+            [this] { change_bar_->offer(document_.file(), ChangeBar::Difference::changed, document_.is_changed()); });
+    connect(watch_, &FileWatch::unchanged, change_bar_, &QWidget::hide);
     connect(change_bar_, &ChangeBar::reload_wanted, this, &PatcherWindow::revert);
     show_patcher(patcher);
     fit_to_patcher();
@@ -144,6 +145,11 @@ void PatcherWindow::follow_file() {
     change_bar_->hide();
     if (is_whole())
         watch_->follow(document_.file());
+}
+
+void PatcherWindow::show_saved() {
+    show_title();
+    follow_file();
 }
 
 void PatcherWindow::open_inner(t_object *patcher) { session_.show_inner(document_, patcher); }
@@ -227,10 +233,7 @@ void PatcherWindow::open_file() {
 // What is on its way to a box is saved with it.
 bool PatcherWindow::write_to(const QString &file, QString &reason) {
     finish_queued();
-    if (!document_.save(file, reason))
-        return false;
-    document_.windows().constFirst()->follow_file();
-    return true;
+    return document_.save(file, reason);
 }
 
 bool PatcherWindow::save() {
@@ -258,8 +261,6 @@ bool PatcherWindow::save_as() {
         return false;
     }
     session_.add_recent(document_.file());
-    for (PatcherWindow *window : document_.windows())
-        window->show_title();
     return true;
 }
 

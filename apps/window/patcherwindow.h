@@ -34,6 +34,9 @@ class PatcherWindow : public QMainWindow {
     // Brings a tab to the front; false when none has that title.
     bool show_tab(const QString &title);
 
+    // The document has been saved, perhaps to another file than before.
+    void show_saved();
+
     // The file could not be opened, saved or read again: a message at the window's edge.
     void complain(const QString &text);
 

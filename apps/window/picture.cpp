@@ -14,7 +14,7 @@ bool write_picture(QWidget &window, const QString &file, QString &reason) {
     QCoreApplication::processEvents();
     QBuffer png;
     if (!window.grab().toImage().convertToFormat(QImage::Format_RGB888).save(&png, "PNG", 0)) {
-        reason = QCoreApplication::translate("picture", "the window is too large for a picture");
+        reason = QCoreApplication::translate("picture", "no picture of the window can be made");
         return false;
     }
     std::string why;

@@ -36,6 +36,8 @@ void WindowStage::make_untitled() {
     document_ = session_.open_untitled();
 }
 
+bool WindowStage::save(const std::string &file, std::string &reason) { return document()->save_as_named(file, reason); }
+
 void WindowStage::close() {
     if (Document *open = document())
         session_.close_now(*open);

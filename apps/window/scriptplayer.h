@@ -19,6 +19,7 @@ class WindowStage : public Stage {
     t_object *patcher() override; // null when a person has closed the window
     bool open(const std::string &file, std::string &reason) override;
     void make_untitled() override;
+    bool save(const std::string &file, std::string &reason) override;
     void close() override;
 
     // The document that is open already is the one that the script begins with.

@@ -9,6 +9,7 @@
 
 int run_boxes_tests(int argc, char **argv);
 int run_closing_tests(int argc, char **argv);
+int run_disk_tests(int argc, char **argv);
 int run_editor_tests(int argc, char **argv);
 int run_list_tests(int argc, char **argv);
 int run_patcherwindow_tests(int argc, char **argv);
@@ -21,9 +22,10 @@ struct Family {
     int (*run)(int argc, char **argv);
 };
 
-constexpr Family families[] = {{"boxes", run_boxes_tests},          {"closing", run_closing_tests},
-                               {"editor", run_editor_tests},        {"list", run_list_tests},
-                               {"window", run_patcherwindow_tests}, {"program", run_program_tests}};
+constexpr Family families[] = {{"boxes", run_boxes_tests},    {"closing", run_closing_tests},
+                               {"disk", run_disk_tests},      {"editor", run_editor_tests},
+                               {"list", run_list_tests},      {"window", run_patcherwindow_tests},
+                               {"program", run_program_tests}};
 
 } // namespace
 

@@ -239,7 +239,7 @@ void PatcherWindowTest::saving_over_a_changed_file_asks() {
         press(dialog, static_cast<QMessageBox::StandardButton>(answer));
     });
     action(window, "Save")->trigger();
-    QCOMPARE(question, "test.maxpat has changed on the disk since it was opened or saved here. Save over it?");
+    QCOMPARE(question, "test.maxpat on the disk is not as it was opened or saved here. Save over it?");
     QFETCH(QString, kept);
     QVERIFY(read_text(path_of("test.maxpat")).contains(kept));
     QCOMPARE(value("m"), "mine");
