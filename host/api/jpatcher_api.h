@@ -26,16 +26,16 @@ typedef struct _jbox {
     t_object *b_firstin; // what messages to the first inlet reach; the plug-in sets it, after jbox_new
 } t_jbox;
 
-// Flags of jbox_initclass. The two others tell the program that shows the box what it may offer.
+// Flags of jbox_initclass. The two others are kept for the program that shows the box; vrk-window offers neither.
 #define JBOX_COLOR (1 << 13)    // a colour to choose
 #define JBOX_FONTATTR (1 << 18) // the attributes "fontname" and "fontsize"
 #define JBOX_FIXWIDTH (1 << 19) // to make the box as wide as its text
 
-// Flags of jbox_new, for the program that shows the box.
-#define JBOX_DRAWFIRSTIN 1 // the first inlet is drawn
-#define JBOX_NODRAWBOX 2   // no frame is
-#define JBOX_DRAWINLAST 4  // inlets are drawn after what the box paints
-#define JBOX_GROWBOTH 64   // width and height are changed one by one
+// Flags of jbox_new: wishes that are kept for the program that shows the box. vrk-window does not look at them.
+#define JBOX_DRAWFIRSTIN 1 // to have the first inlet drawn
+#define JBOX_NODRAWBOX 2   // to have no frame
+#define JBOX_DRAWINLAST 4  // to have inlets drawn after what the box paints
+#define JBOX_GROWBOTH 64   // to have width and height changed one by one
 
 // Gives a class the attributes of a box, "patching_rect" and what the flags ask for. Before class_addmethod. Flags that
 // this host does not have are misuse, and the class then is none of boxes.
