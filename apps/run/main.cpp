@@ -83,7 +83,8 @@ int run(const Options &options) {
     maxhost::start_host(transcript.front_end(traced));
     const int status = open_and_run(transcript, options);
     maxhost::stop_host();
-    return transcript.is_whole() ? status : fail("the transcript cannot be written");
+    const std::string fault = transcript.fault();
+    return fault.empty() ? status : fail("the transcript cannot be written: " + fault);
 }
 
 } // namespace

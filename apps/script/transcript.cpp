@@ -1,6 +1,8 @@
 // The transcript.
 #include "transcript.h"
 
+#include <cerrno>
+#include <cstring>
 #include <initializer_list>
 
 using namespace maxhost;
@@ -58,8 +60,14 @@ std::string editor_text(const EditorState &state, EditorEvent event) {
 
 void Transcript::line(const std::string &text) {
     std::lock_guard lock(mutex_);
-    std::fprintf(out_, "%s\n", text.c_str());
-    std::fflush(out_);
+    const bool is_written = std::fprintf(out_, "%s\n", text.c_str()) >= 0 && std::fflush(out_) == 0;
+    if (!is_written && fault_ == 0)
+        fault_ = errno;
+}
+
+std::string Transcript::fault() {
+    std::lock_guard lock(mutex_);
+    return fault_ == 0 ? "" : std::strerror(fault_);
 }
 
 FrontEnd Transcript::front_end(unsigned traced) {

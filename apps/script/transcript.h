@@ -15,8 +15,8 @@ class Transcript {
     // Any thread. Written at once.
     void line(const std::string &text);
 
-    // Whether every line so far could be written.
-    bool is_whole() const { return std::ferror(out_) == 0; }
+    // Why a line could not be written, the first of them; empty while every line could. Any thread.
+    std::string fault();
 
     // What the next save dialogs answer, in order; an empty text cancels. Dialogs without an answer are cancelled.
     void prepare_answer(const std::string &file) { answers_.push_back(file); }
@@ -29,6 +29,7 @@ class Transcript {
 
     std::FILE *out_;
     std::mutex mutex_;
+    int fault_ = 0; // an error number
     std::deque<std::string> answers_;
 };
 

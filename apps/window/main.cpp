@@ -153,7 +153,8 @@ int run(const Options &options) {
     const int status = show(session, player, options);
     session.close_all();
     maxhost::stop_host();
-    return status;
+    const std::string fault = transcript.fault();
+    return fault.empty() ? status : fail("the transcript cannot be written: " + fault);
 }
 
 } // namespace

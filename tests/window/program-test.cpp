@@ -12,6 +12,8 @@ class ProgramTest : public QObject {
     void picture_waits_for_no_dialog();
     void tells_what_is_wrong_data();
     void tells_what_is_wrong();
+    void a_transcript_that_is_lost_is_told_data();
+    void a_transcript_that_is_lost_is_told();
     void editor_opens_from_vrk_xml();
 
   private:
@@ -111,6 +113,25 @@ void ProgramTest::tells_what_is_wrong() {
     QFETCH(QString, complaint);
     const Ended ended = run(VRK_WINDOW_PROGRAM, arguments, "host nothing\n");
     QCOMPARE(ended.status, 2);
+    QVERIFY2(ended.complaints.endsWith(complaint), qPrintable(ended.complaints));
+}
+
+void ProgramTest::a_transcript_that_is_lost_is_told_data() {
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("vrk-run") << VRK_RUN_PROGRAM << QStringList({"--script", "-"});
+    QTest::newRow("vrk-window") << VRK_WINDOW_PROGRAM << QStringList({"--script", "-", "--picture", "/dev/null"});
+}
+
+void ProgramTest::a_transcript_that_is_lost_is_told() {
+    QFETCH(QString, program);
+    QFETCH(QStringList, arguments);
+    if (!QFile::exists("/dev/full"))
+        QSKIP("there is no /dev/full");
+    const QStringList shell{"-c", "exec \"$0\" \"$@\" > /dev/full", program};
+    const Ended ended = run("/bin/sh", shell + arguments, "new m message go\nm bang\n");
+    QCOMPARE(ended.status, 2);
+    const QString complaint = ": the transcript cannot be written: No space left on device\n";
     QVERIFY2(ended.complaints.endsWith(complaint), qPrintable(ended.complaints));
 }
 
