@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+#include <QStatusBar>
+
 #include "scriptplayer.h"
 #include "xmldocument.h"
 
@@ -18,10 +20,11 @@ const QString message_box = box_json("m", "message", "20, 20, 80, 22", "\"text\"
 struct Owner {
     t_object object;
     t_jxmlfile *holder;
+    bool refuses; // texts, without a word
 };
 
 long take_text(Owner *x, char **text, long size, const char *name, t_ptr_int folder) {
-    return jxmlfile_edsave(x->holder, text, size, name, static_cast<short>(folder));
+    return x->refuses ? -1 : jxmlfile_edsave(x->holder, text, size, name, static_cast<short>(folder));
 }
 
 void take_end(Owner *x, char **text, long size) { jxmlfile_edclose(x->holder, text, size); }
@@ -39,6 +42,7 @@ Owner *new_owner() {
     }
     auto *owner = static_cast<Owner *>(object_alloc(owner_class));
     owner->holder = jxmlfile_new(&owner->object);
+    owner->refuses = false;
     return owner;
 }
 
@@ -57,6 +61,7 @@ class DiskTest : public WindowTest {
     void a_busy_folder_puts_nothing_off();
     void a_patcher_that_a_script_saves_is_followed();
     void an_owner_may_go_while_its_editor_asks();
+    void a_text_that_is_refused_without_a_word_is_told();
     void cleanup();
 
   private:
@@ -204,6 +209,8 @@ void DiskTest::a_file_that_comes_back_is_no_change() {
 // Another file comes and goes without a pause.
 void DiskTest::a_busy_folder_puts_nothing_off() {
     PatcherWindow *window = open_boxes(message_box);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window)); // which looks at the file as well
     QTimer busy;
     connect(&busy, &QTimer::timeout, this, [this] {
         if (!QFile::remove(path_of("other")))
@@ -229,6 +236,16 @@ void DiskTest::a_patcher_that_a_script_saves_is_followed() {
     QVERIFY(QFile::remove(path_of("b.maxpat")));
     QTRY_VERIFY(bar_of(window).isVisible());
     QCOMPARE(text_of_bar(window), "b.maxpat is no longer on the disk. Saving makes it again.");
+}
+
+void DiskTest::a_text_that_is_refused_without_a_word_is_told() {
+    write_xml("a.xml", "one");
+    read("a.xml");
+    EditorWindow *window = open_editor();
+    owner_->refuses = true;
+    QCOMPARE(questions_of_save(window, "<mine/>", QMessageBox::Cancel), 0);
+    QCOMPARE(window->statusBar()->currentMessage(), "Not saved: the text is refused");
+    window->text().document()->setModified(false);
 }
 
 // The window goes with its owner, and the question with the window.
