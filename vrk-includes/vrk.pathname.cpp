@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #ifdef __APPLE__
 #include <CoreServices/CoreServices.h>
@@ -110,16 +111,42 @@ static int append_bytes(void *context, const char *bytes, int count) {
     return count;
 }
 
-// The text of a document in its own encoding. 0, or the error number of what failed.
-static int print_document(xmlDocPtr doc, document_text *text) {
+// Has libxml2 write to a text in an encoding, null for its own choice: write(output) writes and closes the output. 0,
+// or the error number of what failed.
+template <typename Write> static int print(const char *encoding, document_text *text, Write write) {
     const quiet_libxml quiet;
-    xml_encoder encoder = doc->encoding ? jxml_find_encoder((const char *)doc->encoding) : nullptr;
-    if (!encoder && doc->encoding)
+    xml_encoder encoder = encoding ? jxml_find_encoder(encoding) : nullptr;
+    if (!encoder && encoding)
         return quiet.out_of_memory() ? ENOMEM : ENOTSUP;
     xmlOutputBufferPtr output = xmlOutputBufferCreateIO(append_bytes, nullptr, text, encoder.get());
     if (output)
         (void)encoder.release(); // the buffer closes it
-    return output && xmlSaveFileTo(output, doc, (const char *)doc->encoding) >= 0 ? 0 : ENOMEM;
+    return output && write(output) >= 0 ? 0 : ENOMEM;
+}
+
+// Whether what is written in an encoding can be read again. Some encode the declaration itself, so that no reader finds
+// the name of the encoding; others lack characters of the markup. 0, or the error number of what failed.
+static int try_encoding(const char *encoding) {
+    const std::string markup =
+        "<?xml version=\"1.0\" encoding=\"" + std::string(encoding) + "\"?>\n<a b='&#1;'/><![CDATA[]]><!---->\n";
+    document_text text;
+    const int error = print(encoding, &text, [&markup](xmlOutputBufferPtr output) {
+        xmlOutputBufferWrite(output, (int)markup.size(), markup.data());
+        return xmlOutputBufferClose(output);
+    });
+    jxml_decoded read;
+    if (error)
+        return error;
+    return !jxml_decode({text.bytes.get(), text.size}, &read).format && read.text == markup ? 0 : ENOTSUP;
+}
+
+// The text of a document in its own encoding. 0, or the error number of what failed.
+static int print_document(xmlDocPtr doc, document_text *text) {
+    const char *encoding = (const char *)doc->encoding;
+    if (const int error = encoding ? try_encoding(encoding) : 0)
+        return error;
+    return print(encoding, text,
+                 [doc, encoding](xmlOutputBufferPtr output) { return xmlSaveFileTo(output, doc, encoding); });
 }
 
 int vrk_save_document(t_symbol *native_path, xmlDocPtr doc) {

@@ -12,7 +12,8 @@
 t_symbol *vrk_path_to_OSX_path(t_object *owner, t_symbol *pathname);
 
 // The full host path name of a file, given by name (looked up in the search path) or by full path; null when there is
-// no such file, and when memory runs out: who makes a file that is missing has to look again. `filename` is not changed.
+// no such file, and when memory runs out: who makes a file that is missing has to look again. `filename` is not
+// changed.
 t_symbol *vrk_file_locate(t_symbol *filename);
 
 // Tells an open host text editor which file it shows: its "filename" and its window's title. Nothing happens without
@@ -27,5 +28,6 @@ short vrk_path_tempfolder(const char *subfolder);
 // all. In the document's own encoding, or without one in ASCII with character references; no indentation is added. The
 // name is taken as it stands: "%41" in it is three characters, where xmlSaveFile would write to another file. The
 // number of bytes written, or minus the error number (errno.h) of what failed: EINVAL without a path or a document,
-// ENOTSUP when libxml2 does not know the encoding, ENOMEM, or what kept the file from being written.
+// ENOTSUP when libxml2 does not know the encoding or nobody could read again what it writes in it (UTF-7), ENOMEM, or
+// what kept the file from being written.
 int vrk_save_document(t_symbol *native_path, xmlDocPtr doc);

@@ -1,7 +1,10 @@
 // Files in every encoding that libxml2 knows are read as it reads them, and what needs no encoding too.
+#include <cerrno>
+
 #include "support/xml-test.h"
 
 #include "vrk.jxml-encoding.h"
+#include "vrk.pathname.h"
 
 using namespace maxhost;
 
@@ -203,5 +206,33 @@ TEST_F(XmlEncodingsTest, ADocumentIsSavedInTheEncodingThatItDeclares) {
         read_in(bytes);
         ASSERT_TRUE(reload());
         EXPECT_EQ(read_file(path_of("reload.xml")), bytes);
+    }
+}
+
+TEST_F(XmlEncodingsTest, WhatIsSavedIsReadAgain) {
+    for (const char *encoding :
+         {"UTF-8",    "UTF-16",       "UTF-16LE", "UTF-16BE",    "UCS-4",       "ISO-8859-1", "LATIN-9",
+          "US-ASCII", "windows-1252", "TIS-620",  "MacRoman",    "IBM850",      "KOI8-R",     "VISCII",
+          "TCVN",     "Shift_JIS",    "CP932",    "EUC-JP",      "ISO-2022-JP", "EUC-KR",     "CP949",
+          "GB18030",  "Big5",         "UTF-7",    "ISO-2022-KR", "ISO-2022-CN", "ISO646-DE",  "IBM037"}) {
+        SCOPED_TRACE(encoding);
+        load("<a/>");
+        holder->doc->encoding = xmlStrdup(reinterpret_cast<const xmlChar *>(encoding));
+        EXPECT_EQ(set("a text \"[x] <&> é.\""), 0);
+        const std::string path = path_of("saved.xml");
+        write_file("saved.xml", "before");
+        const int result = vrk_save_document(gensym(path.c_str()), holder->doc);
+        const std::string name = encoding;
+        if (name == "UTF-7" || name == "ISO-2022-KR" || name == "ISO646-DE") {
+            EXPECT_EQ(result, -ENOTSUP);
+            EXPECT_EQ(read_file(path), "before");
+            continue;
+        }
+        EXPECT_EQ(result, static_cast<int>(read_file(path).size()));
+        holder->file_path = nullptr;
+        jxmlfile_read(holder, gensym("saved.xml"));
+        drain_queue();
+        EXPECT_EQ(text("a"), "[x] <&> é.");
+        EXPECT_EQ(take_lines(), Lines());
     }
 }
