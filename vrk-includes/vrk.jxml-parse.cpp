@@ -8,9 +8,10 @@
 
 #include "vrk.jxml-parse.h"
 
-// Blanks between elements are dropped, and texts of a few bytes stand in their nodes: nothing here writes into the
-// content of a node, which then is no block of its own. The text comes in UTF-8, whatever encoding it declares. The
-// other options keep libxml2 quiet and off the network; entities are neither replaced nor loaded.
+// Blanks between elements are dropped, and texts of a few bytes stand in their nodes: such a content is not a block of
+// its own, which only xmlNodeSetContent, through which contents are changed, knows how to replace. The text comes in
+// UTF-8, whatever encoding it declares. The other options keep libxml2 quiet and off the network; entities are neither
+// replaced nor loaded.
 constexpr int PARSE_OPTIONS = XML_PARSE_NOBLANKS | XML_PARSE_COMPACT | XML_PARSE_IGNORE_ENC | XML_PARSE_NOERROR |
                               XML_PARSE_NOWARNING | XML_PARSE_NONET;
 
@@ -89,17 +90,37 @@ long word_count(const xmlEntity *entity) {
     return static_cast<long>(words) + static_cast<long>(text.size() / longest) + 1;
 }
 
+// What a parser hands to the functions below.
+struct parameter_watch {
+    long words_left;
+    const xmlChar *declared; // the entity that was declared last
+};
+
+parameter_watch *watch_of(const xmlParserCtxt *parser) { return static_cast<parameter_watch *>(parser->_private); }
+
+void note_declaration(void *parser, const xmlChar *name, int type, const xmlChar *public_id, const xmlChar *system_id,
+                      xmlChar *content) {
+    xmlSAX2EntityDecl(parser, name, type, public_id, system_id, content);
+    watch_of(static_cast<xmlParserCtxtPtr>(parser))->declared = name;
+}
+
+// Whether libxml2 asks for an entity because it has just come to the end of its declaration, after the ">". After a
+// reference in the document type it stands after a ";", after one in an entity's value at a quotation mark.
+bool is_being_declared(const xmlParserCtxt *parser, const xmlChar *name) {
+    const xmlParserInput *input = parser->input;
+    return xmlStrEqual(watch_of(parser)->declared, name) && input->cur > input->base && input->cur[-1] == '>';
+}
+
 // Stops a parser when the references to parameter entities, each wherever libxml2 comes to it, stand for more words
 // than are left. Only here can be seen what they stand for: an entity may hold references to others, in as many
 // disguises as a character can be written in. Some thousands keep libxml2 2.9.14 busy for ever.
 xmlEntityPtr bounded_parameter_entity(void *parser, const xmlChar *name) {
     auto *context = static_cast<xmlParserCtxtPtr>(parser);
-    auto *words_left = static_cast<long *>(context->_private);
     xmlEntityPtr entity = xmlSAX2GetParameterEntity(parser, name);
-    if (entity && entity->content && !entity->orig) // only being declared
+    if (is_being_declared(context, name))
         return entity;
-    *words_left -= 1 + word_count(entity);
-    if (*words_left >= 0)
+    watch_of(context)->words_left -= 1 + word_count(entity);
+    if (watch_of(context)->words_left >= 0)
         return entity;
     xmlStopParser(context);
     return nullptr;
@@ -150,8 +171,9 @@ xml_doc jxml_parse(t_object *owner, const jxml_text &text, const char *name, con
         return nullptr;
     quiet.watch(parser.get());
     xmlDictSetLimit(parser->dict, JXML_NAME_BYTES); // its table does not grow with it, so that it gets slow
-    long words_left = text.parameter_words;
-    parser->_private = &words_left;
+    parameter_watch parameters = {text.parameter_words, nullptr};
+    parser->_private = &parameters;
+    parser->sax->entityDecl = note_declaration;
     parser->sax->getParameterEntity = bounded_parameter_entity;
     std::string_view rest = text.seen;
     xml_doc document(xmlCtxtReadIO(parser.get(), take_piece, nullptr, &rest, url, nullptr, PARSE_OPTIONS));
@@ -162,7 +184,7 @@ xml_doc jxml_parse(t_object *owner, const jxml_text &text, const char *name, con
     if (quiet.out_of_memory()) // something of it may be missing
         document.reset();
     jxml_refusal refusal = {nullptr, 0};
-    if (words_left < 0)
+    if (parameters.words_left < 0)
         refusal = {"parameter entities of %s expand to more than %ld words", text.parameter_words};
     else if (!document && xmlDictGetUsage(parser->dict) > JXML_NAME_BYTES / 2)
         refusal = {"names in %s take more than %ld bytes", static_cast<long>(JXML_NAME_BYTES)};

@@ -106,3 +106,9 @@ TEST_F(XmlParametersTest, OrdinaryDocumentTypesAreRead) {
 TEST_F(XmlParametersTest, WhatIsNotUsedDoesNotCount) {
     expect_read("<!DOCTYPE a [<!ENTITY % p '" + repeated(50'000, "b ") + "'>]><a/>");
 }
+
+TEST_F(XmlParametersTest, ADeclarationIsNotAReferenceHoweverOftenItComes) {
+    expect_read("<!DOCTYPE a [" + repeated(4000, "<!ENTITY % e \"x y z\">") + "]><a/>");
+    expect_refused("<!DOCTYPE a [" + repeated(4000, "<!ENTITY % e \"<?x y z?>\">%e;") + "]><a/>");
+    expect_refused("<!DOCTYPE a [<!ENTITY % e \"<?x y z?>\">" + repeated(4000, "%e;<?x?>") + "]><a/>");
+}
