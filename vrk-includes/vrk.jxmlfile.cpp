@@ -1313,15 +1313,20 @@ static long store_attribute(t_jxmlfile *holder, const xmlAttr *attribute, const 
     return is_set ? 0 : text_error(holder, value);
 }
 
-// The place in a text that would end a comment or an instruction before its end; null when there is none.
-static const char *early_end(const xmlNode *node, const char *text) {
-    if (node->type == XML_PI_NODE)
-        return std::strstr(text, "?>");
-    if (node->type != XML_COMMENT_NODE)
-        return nullptr;
+// The place in a text from which on it would read back otherwise as the content of a comment, an instruction or a CDATA
+// section; null when there is none. Nothing is escaped in them: a carriage return reads back as a line feed, and some
+// texts end them. The blanks before an instruction's content are not part of it.
+static const char *place_that_is_lost(const xmlNode *node, const char *text) {
     const size_t length = std::strlen(text);
-    const char *place = std::strstr(text, "--");
-    return !place && length > 0 && text[length - 1] == '-' ? text + length - 1 : place;
+    const char *end = nullptr;
+    if (node->type == XML_PI_NODE)
+        end = std::strchr(" \t\n", *text) && *text ? text : std::strstr(text, "?>");
+    else if (node->type == XML_COMMENT_NODE)
+        end = std::strstr(text, "--");
+    if (!end && node->type == XML_COMMENT_NODE && length > 0 && text[length - 1] == '-')
+        end = text + length - 1;
+    const char *line_end = node->type == XML_TEXT_NODE ? nullptr : std::strchr(text, '\r');
+    return end && (!line_end || end < line_end) ? end : line_end;
 }
 
 // Makes a text the only content of a node of any kind.
@@ -1330,8 +1335,12 @@ static long store_content(t_jxmlfile *holder, xmlNodePtr node, const char *text)
         return store_text(holder, node, text);
     if (node->type == XML_ATTRIBUTE_NODE)
         return store_attribute(holder, reinterpret_cast<const xmlAttr *>(node), text);
-    if (const char *place = early_end(node, text))
+    if (const char *place = place_that_is_lost(node, text))
         return unholdable_error(holder, place - text);
+    if (node->type == XML_TEXT_NODE && !*text) { // it would not be there when the document is read again
+        discard(node);
+        return 0;
+    }
     xmlNodeSetContent(node, as_xml(text));
     return node->content ? 0 : text_error(holder, text);
 }

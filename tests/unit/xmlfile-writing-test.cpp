@@ -302,12 +302,29 @@ TEST_F(XmlWritingTest, WhatWouldNotBeReadAgainIsNotSet) {
     };
     refused("a \"comment()\"", "ab--cd", 3);
     refused("a \"comment()\"", "ab-", 3);
+    refused("a \"comment()\"", "a\rb--", 2);
+    refused("a \"comment()\"", "--\r", 1);
     refused("a \"processing-instruction()\"", "ab?>", 3);
+    refused("a \"processing-instruction()\"", "a\r", 2);
+    refused("a \"processing-instruction()\"", " a", 1);
     refused("a @k", "\x01", 1);
     const std::string quotes(2'000'000, '"');
     EXPECT_EQ(set("a @k text", {symbol_atom(quotes)}), -1);
     EXPECT_EQ(take_lines(), Lines{error("attributes are too long for xml (more than 9000000 bytes)")});
     EXPECT_EQ(document(), "<a k=\"1\"><!--note--><?do this?></a>");
+}
+
+TEST_F(XmlWritingTest, ACarriageReturnInASectionIsRefused) {
+    load("<a><![CDATA[x]]></a>");
+    expect_refused("a \"text()\" text", error("text cannot be held by xml (byte 2)"), {symbol_atom("y\r")});
+}
+
+TEST_F(XmlWritingTest, ATextThatGetsEmptyIsGone) {
+    load("<a>text<b/>more</a>");
+    EXPECT_EQ(set("a \"text()\" text"), 0);
+    EXPECT_EQ(document(), "<a><b/>more</a>");
+    EXPECT_EQ(count("a \"text()\""), "1") << "as after the next reading";
+    EXPECT_EQ(take_lines(), Lines());
 }
 
 TEST_F(XmlWritingTest, BytesGoIntoElementsOnly) {
