@@ -2,6 +2,7 @@
 #include "bytes.h"
 
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include <fcntl.h>
@@ -13,10 +14,12 @@
 
 namespace {
 
-// Waits until there is something to read, or nothing comes any more.
-void wait_for_bytes(int descriptor) {
+constexpr int patience = 2000; // milliseconds in which somebody has to begin to write to a pipe that has a name
+
+// Waits until there is something to read, or nothing comes any more. False when the time, in milliseconds, is over.
+bool wait_for_bytes(int descriptor, int time = -1) {
     pollfd bytes = {descriptor, POLLIN, 0};
-    poll(&bytes, 1, -1);
+    return poll(&bytes, 1, time) != 0;
 }
 
 // Reads until the file ends, or enough is there. 0, or the error number of what failed.
@@ -36,9 +39,12 @@ int read_bytes(int descriptor, size_t enough, std::string &bytes) {
     return 0;
 }
 
-bool is_pipe(int descriptor) {
+// Whether a file is a pipe that whoever writes to it has to open first. One that the program was given is open: when
+// it is empty, nothing was written to it.
+bool is_named_pipe(int descriptor, std::string_view file) {
+    const bool is_given = file.starts_with("/dev/fd/") || file.starts_with("/dev/std") || file.starts_with("/proc/");
     struct stat status;
-    return fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
+    return !is_given && fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
 } // namespace
@@ -46,14 +52,15 @@ bool is_pipe(int descriptor) {
 std::string content_of(const std::string &file) {
     constexpr size_t enough = 10'000'000;
     const int descriptor = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const int failure = descriptor < 0 ? errno : 0;
+    const bool is_silent = is_named_pipe(descriptor, file) && !wait_for_bytes(descriptor, patience);
     std::string bytes;
-    const int error = descriptor < 0 ? errno : read_bytes(descriptor, enough, bytes);
-    const bool is_silent = !error && bytes.empty() && is_pipe(descriptor);
+    const int error = failure ? failure : read_bytes(descriptor, enough, bytes);
     close(descriptor);
-    if (is_silent)
-        throw Refused{"can't read " + file + ": nobody writes to the pipe"};
     if (error)
         throw Refused{"can't read " + file + ": " + std::generic_category().message(error)};
+    if (is_silent && bytes.empty())
+        throw Refused{"can't read " + file + ": nobody writes to the pipe"};
     return bytes;
 }
 

@@ -2,6 +2,7 @@
 #include "documentlock.h"
 
 #include <cerrno>
+#include <iostream>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -17,8 +18,11 @@ int open_to_lock(const char *file) {
     return descriptor >= 0 ? descriptor : open(file, O_RDONLY | flags);
 }
 
-// Waits for the lock. Where there are none it is as good as got.
-void lock(int descriptor) {
+// Waits for the lock, and says so. Where there are none it is as good as got.
+void lock(int descriptor, const std::string &file) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+        return;
+    std::cerr << "waiting for " << file << ", which another vrk-xml edits\n";
     while (flock(descriptor, LOCK_EX) != 0 && errno == EINTR) {
     }
 }
@@ -34,7 +38,7 @@ bool is_current(int descriptor, const char *file) {
 
 DocumentLock::DocumentLock(const std::string &file) : descriptor_(open_to_lock(file.c_str())) {
     while (descriptor_ >= 0) {
-        lock(descriptor_);
+        lock(descriptor_, file);
         if (is_current(descriptor_, file.c_str()))
             return;
         close(descriptor_);

@@ -44,7 +44,8 @@ const std::string about_batch =
 In a batch every line of standard input is an operation, with its options in front of its words:
 get --as int a b. A word in double quotes is text there, also "2.5". A refused line does not keep
 the others from being carried out; the file is written once, at the end. Meanwhile other vrk-xml
-that edit the file wait, and when anybody else has changed it, it is not saved.
+that edit the file wait, and say so: what writes to a batch must not edit its file. When anybody
+else has changed the file, it is not saved.
 )";
 
 const std::string examples =

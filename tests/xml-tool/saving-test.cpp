@@ -97,13 +97,27 @@ TEST_F(XmlSaving, TwoThatEditOneFileWaitForEachOther) {
     write("<a/>");
     const auto add_elements = [&](const std::string &name) {
         for (int i = 0; i < rounds; ++i)
-            output("f.xml set a " + name + std::to_string(i) + " text x");
+            EXPECT_EQ(run(words("f.xml set a " + name + std::to_string(i) + " text x")).status, 0);
     };
     std::thread other([&] { add_elements("b"); });
     add_elements("c");
     other.join();
     EXPECT_EQ(output(words("f.xml count a", {"*"})), std::to_string(2 * rounds) + "\n");
     EXPECT_EQ(files(), (std::vector<std::string>{"f.xml"}));
+}
+
+TEST_F(XmlSaving, WhoWaitsForAnotherSaysSo) {
+    write("<a/>");
+    OpenBatch batch = begin_batch("set a b text mine");
+    const fs::path told = path_of("told");
+    const std::string command = "cd " + folder.path().string() + " && exec " VRK_XML_PROGRAM " f.xml set a c text x 2>";
+    FILE *waiting = popen((command + told.string()).c_str(), "r");
+    while (!fs::exists(told) || fs::file_size(told) == 0) {
+    }
+    EXPECT_EQ(end(batch), 0);
+    EXPECT_EQ(pclose(waiting), 0);
+    EXPECT_EQ(file_text(told), "waiting for f.xml, which another vrk-xml edits\n");
+    EXPECT_EQ(output(words("f.xml count a", {"*"})), "2\n");
 }
 
 TEST_F(XmlSaving, AnOutputFileIsWrittenWhole) {
@@ -165,4 +179,27 @@ TEST_F(XmlSaving, ContentMayComeFromAPipe) {
     EXPECT_EQ(result.status, 0) << result.complaints;
     output("f.xml get a --out copy");
     EXPECT_EQ(file_text(path_of("copy")), bytes);
+}
+
+TEST_F(XmlSaving, APipeThatIsEmptyIsNoContent) {
+    write("<a>text</a>");
+    for (const char *command : {"\"$0\" f.xml set a e cdata --data-file <(true)",
+                                "true | \"$0\" f.xml set a e cdata --data-file /dev/stdin"}) {
+        const ScriptResult result = script_run({"/bin/bash", {"-c", command, VRK_XML_PROGRAM}, "", folder.path()});
+        EXPECT_EQ(result.status, 0) << command;
+        EXPECT_EQ(result.complaints, "") << command;
+    }
+}
+
+TEST_F(XmlSaving, WhoWritesToAPipeMayComeLater) {
+    write("<a/>");
+    ASSERT_EQ(mkfifo(path_of("pipe").c_str(), 0600), 0);
+    const ScriptResult result =
+        script_run({"/bin/bash",
+                    {"-c", "\"$0\" f.xml set a cdata --data-file pipe & printf hi > pipe; wait $!", VRK_XML_PROGRAM},
+                    "",
+                    folder.path()});
+    EXPECT_EQ(result.status, 0) << result.complaints;
+    output("f.xml get a --out copy");
+    EXPECT_EQ(file_text(path_of("copy")), "hi");
 }
