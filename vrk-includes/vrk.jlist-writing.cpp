@@ -176,7 +176,7 @@ static int write_file(t_jlist *list, t_jxmlfile *holder, t_symbol *path, const f
         result = std::min(vrk_save_document(path, holder->doc), 0); // bytes are no failure
     else
         object_error(list->owner, "out of memory: the items are not written");
-    if (choice.is_made)
+    if (choice.is_made && !choice.given) // what was made for an empty name is another file
         vrk_remove_empty_file(path->s_name);
     return result;
 }
