@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -156,6 +157,22 @@ static bool is_same_file(const std::string &path, const struct stat &status) {
     return stat(path.c_str(), &found) == 0 && found.st_dev == status.st_dev && found.st_ino == status.st_ino;
 }
 
+// The descriptor that a path stands for, "/dev/stdout" for one; -1 for other paths. A file that is open there goes on
+// where its writers are: a rename would leave them with the old one, and another descriptor would write over them.
+static int descriptor_named(std::string_view path) {
+    if (path == "/dev/stdout")
+        return STDOUT_FILENO;
+    if (path == "/dev/stderr")
+        return STDERR_FILENO;
+    for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+        int number = -1;
+        const char *end = path.data() + path.size();
+        if (path.starts_with(folder) && std::from_chars(path.data() + folder.size(), end, number).ptr == end)
+            return number;
+    }
+    return -1;
+}
+
 static int find_target(const char *path, target &place) {
     place.path = path;
     place.exists = stat(path, &place.status) == 0;
@@ -168,7 +185,7 @@ static int find_target(const char *path, target &place) {
     place.is_replaceable = S_ISREG(place.status.st_mode) && place.status.st_nlink == 1 &&
                            follow_links(place.path) == 0 && is_same_file(place.path, place.status);
     if (!place.is_replaceable)
-        place.path = path; // a link to what is open, "/dev/stdout" for one, leads to no path
+        place.path = path;
     return 0;
 }
 
@@ -283,12 +300,15 @@ static bool is_beside_name(std::string_view name, std::string_view stem) {
            name.find_first_not_of("0123456789", line + 1) == name.npos;
 }
 
-// Removes a file that a writer has left behind: one that can be locked is nobody's any more.
+// Removes a file that a writer has left behind: one that can be locked is nobody's any more. Its writer may have put it
+// in place before it was locked, and made the next one under its name.
 static void remove_if_left(const std::string &path) {
     descriptor file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file.is_open()) // it may have got the permissions of a file that is only read
         file = descriptor(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (file.is_open() && flock(file, LOCK_EX | LOCK_NB) == 0)
+    struct stat status;
+    if (file.is_open() && flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &status) == 0 &&
+        is_same_file(path, status))
         unlink(path.c_str());
 }
 
@@ -382,9 +402,10 @@ static int replace_by_rename(const target &place, std::string_view bytes) {
     return error ? error : force_folder_to_disk(folder);
 }
 
-// Whether nothing is wrong but that a file of another owner, mount or folder cannot be replaced by a new one.
+// Whether nothing is wrong but that a file of another owner, mount or folder cannot be replaced by a new one, or has so
+// long a path that none fits beside it.
 static bool is_forbidden(int error) {
-    static constexpr int errors[] = {EACCES, EPERM, EROFS, EBUSY, EXDEV, EINVAL, ENOTSUP};
+    static constexpr int errors[] = {EACCES, EPERM, EROFS, EBUSY, EXDEV, EINVAL, ENOTSUP, ENAMETOOLONG};
     return std::find(std::begin(errors), std::end(errors), error) != std::end(errors);
 }
 
@@ -392,7 +413,12 @@ static int replace_file(const char *path, std::string_view bytes) {
     target place;
     if (const int error = find_target(path, place))
         return error;
-    if (place.exists && !S_ISREG(place.status.st_mode))
+    const bool is_file = place.exists && S_ISREG(place.status.st_mode);
+    if (const int open = descriptor_named(path); is_file && open >= 0) {
+        const signals_held hold({});
+        return write_bytes(open, bytes);
+    }
+    if (place.exists && !is_file)
         return write_to_device(place, bytes);
     if (!place.is_replaceable)
         return write_in_place(place, bytes);

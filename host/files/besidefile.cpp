@@ -49,12 +49,19 @@ bool claim(int file) {
            status.st_nlink > 0;
 }
 
+// A writer may have put its file in place before it was locked, and made the next one under the same name.
+bool is_still_there(int file, const std::string &path) {
+    struct stat opened, named;
+    return fstat(file, &opened) == 0 && lstat(path.c_str(), &named) == 0 && opened.st_dev == named.st_dev &&
+           opened.st_ino == named.st_ino;
+}
+
 void remove_if_left(const std::string &path) {
     constexpr int careful = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     Descriptor file(open(path.c_str(), O_RDWR | careful));
     if (!file.is_open()) // it may have got the permissions of a file that is only read
         file = Descriptor(open(path.c_str(), O_RDONLY | careful));
-    if (file.is_open() && flock(file, LOCK_EX | LOCK_NB) == 0)
+    if (file.is_open() && flock(file, LOCK_EX | LOCK_NB) == 0 && is_still_there(file, path))
         unlink(path.c_str());
 }
 

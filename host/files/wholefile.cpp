@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <filesystem>
 #include <iterator>
 #include <string_view>
@@ -66,6 +67,22 @@ bool is_same_file(const fs::path &path, const struct stat &status) {
     return stat(path.c_str(), &found) == 0 && found.st_dev == status.st_dev && found.st_ino == status.st_ino;
 }
 
+// The descriptor that a path stands for, "/dev/stdout" for one; -1 for other paths. A file that is open there goes on
+// where its writers are: a rename would leave them with the old one, and another descriptor would write over them.
+int descriptor_named(std::string_view path) {
+    if (path == "/dev/stdout")
+        return STDOUT_FILENO;
+    if (path == "/dev/stderr")
+        return STDERR_FILENO;
+    for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+        int number = -1;
+        const char *end = path.data() + path.size();
+        if (path.starts_with(folder) && std::from_chars(path.data() + folder.size(), end, number).ptr == end)
+            return number;
+    }
+    return -1;
+}
+
 int find_target(const std::string &path, Target &target) {
     target.path = path;
     target.exists = stat(path.c_str(), &target.status) == 0;
@@ -78,7 +95,7 @@ int find_target(const std::string &path, Target &target) {
     target.is_replaceable = S_ISREG(target.status.st_mode) && target.status.st_nlink == 1 &&
                             follow_links(target.path) == 0 && is_same_file(target.path, target.status);
     if (!target.is_replaceable)
-        target.path = path; // a link to what is open, "/dev/stdout" for one, leads to no path
+        target.path = path;
     return 0;
 }
 
@@ -173,9 +190,10 @@ int replace_by_rename(const Target &target, const std::string &content, FileStam
     return error ? error : force_folder_to_disk(beside.folder());
 }
 
-// Whether nothing is wrong but that a file of another owner, mount or folder cannot be replaced by a new one.
+// Whether nothing is wrong but that a file of another owner, mount or folder cannot be replaced by a new one, or has so
+// long a path that none fits beside it.
 bool is_forbidden(int error) {
-    static constexpr int errors[] = {EACCES, EPERM, EROFS, EBUSY, EXDEV, EINVAL, ENOTSUP};
+    static constexpr int errors[] = {EACCES, EPERM, EROFS, EBUSY, EXDEV, EINVAL, ENOTSUP, ENAMETOOLONG};
     return std::find(std::begin(errors), std::end(errors), error) != std::end(errors);
 }
 
@@ -183,7 +201,12 @@ int replace_file(const std::string &path, const std::string &content, FileStamp 
     Target target;
     if (const int error = find_target(path, target))
         return error;
-    if (target.exists && !S_ISREG(target.status.st_mode))
+    const bool is_file = target.exists && S_ISREG(target.status.st_mode);
+    if (const int open = descriptor_named(path); is_file && open >= 0) {
+        const HeldSignals hold({});
+        return write_fully(open, content);
+    }
+    if (target.exists && !is_file)
         return write_to_device(target, content);
     if (!target.is_replaceable)
         return write_in_place(target, content, stamp);

@@ -142,6 +142,25 @@ TEST_P(WholeFile, LongNamesAreWritten) {
     EXPECT_EQ(write(longest + "x", "text"), "File name too long");
 }
 
+TEST_P(WholeFile, AFileThatIsOpenIsWrittenOnWhereItsDescriptorIsNamed) {
+    const auto put = [](int file, const char *text) { return ::write(file, text, 4) == 4; };
+    const int file = open("file", O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    for (const int standard : {STDOUT_FILENO, STDERR_FILENO}) {
+        const int before = dup(standard);
+        dup2(file, standard);
+        EXPECT_EQ(write(standard == STDOUT_FILENO ? "/dev/stdout" : "/dev/stderr", "out"), "");
+        dup2(before, standard);
+        close(before);
+    }
+    EXPECT_TRUE(put(file, "head"));
+    EXPECT_EQ(write("/dev/fd/" + std::to_string(file), "text"), "");
+    EXPECT_EQ(write("/proc/self/fd/" + std::to_string(file), "more"), "");
+    EXPECT_TRUE(put(file, "tail"));
+    close(file);
+    EXPECT_EQ(content("file"), "outoutheadtextmoretail");
+    EXPECT_EQ(names(), Names{"file"});
+}
+
 // ---- what is kept
 
 TEST_P(WholeFile, KeepsPermissions) {
