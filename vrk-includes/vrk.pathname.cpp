@@ -2,9 +2,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
+#include <string_view>
 
 #ifdef __APPLE__
 #include <CoreServices/CoreServices.h>
@@ -127,16 +128,20 @@ template <typename Write> static int print(const char *encoding, document_text *
 // Whether what is written in an encoding can be read again. Some encode the declaration itself, so that no reader finds
 // the name of the encoding; others lack characters of the markup. 0, or the error number of what failed.
 static int try_encoding(const char *encoding) {
-    const std::string markup =
-        "<?xml version=\"1.0\" encoding=\"" + std::string(encoding) + "\"?>\n<a b='&#1;'/><![CDATA[]]><!---->\n";
+    char bytes[256];
+    const int length = std::snprintf(
+        bytes, sizeof bytes, "<?xml version=\"1.0\" encoding=\"%s\"?>\n<a b='&#1;'/><![CDATA[]]><!---->\n", encoding);
+    if (length >= (int)sizeof bytes) // no encoding has such a name
+        return ENOTSUP;
+    const std::string_view markup(bytes, (size_t)length);
     document_text text;
-    const int error = print(encoding, &text, [&markup](xmlOutputBufferPtr output) {
+    const int error = print(encoding, &text, [markup](xmlOutputBufferPtr output) {
         xmlOutputBufferWrite(output, (int)markup.size(), markup.data());
         return xmlOutputBufferClose(output);
     });
-    jxml_decoded read;
     if (error)
         return error;
+    jxml_decoded read;
     return !jxml_decode({text.bytes.get(), text.size}, &read).format && read.text == markup ? 0 : ENOTSUP;
 }
 
