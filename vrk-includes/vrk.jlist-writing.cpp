@@ -121,16 +121,9 @@ static bool write_texts(t_jlist *list, t_jxmlfile *holder) {
     return (bool)texts;
 }
 
-// The image of a row, null when it has none. It outlives the row, so that no lock is held while it is encoded.
-static image_surface image_of(t_jlist *list, long row) {
-    critical_section hold;
-    t_jsurface *image = (t_jsurface *)jlist_getdata(list, row);
-    return image_surface(image ? jgraphics_surface_reference(image) : nullptr);
-}
-
 // The image's file data, null for a row without an image. False when the image cannot be encoded.
 static bool encode_image(t_jlist *list, long row, void **data) {
-    const image_surface image = image_of(list, row);
+    const image_surface image = jlist_share_image(list, row);
     long size = 0;
     *data = nullptr;
     if (image)

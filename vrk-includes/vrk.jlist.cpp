@@ -442,8 +442,7 @@ void jlist_custompaint_gensym_cell(t_jlist *list, t_jgraphics *g, t_symbol *, lo
     jgraphics_show_text(g, text);
 }
 
-// A reference to the image of a row, which may be taken out while the image is in use; null when there is none.
-static image_surface share_image(t_jlist *list, long row) {
+image_surface jlist_share_image(t_jlist *list, long row) {
     critical_section hold;
     t_jsurface *image = (t_jsurface *)jlist_getdata(list, row);
     return image_surface(image ? jgraphics_surface_reference(image) : nullptr);
@@ -451,7 +450,7 @@ static image_surface share_image(t_jlist *list, long row) {
 
 void jlist_custompaint_surface_cell(t_jlist *list, t_jgraphics *g, t_symbol *, long row, double width, double height,
                                     char) {
-    const image_surface image = share_image(list, row);
+    const image_surface image = jlist_share_image(list, row);
     if (!image)
         return;
     const double w = jgraphics_image_surface_get_width(image.get()),

@@ -53,6 +53,10 @@ long jlist_currow(t_jlist *list);
 // The item of a row; null when there is no such row. A symbol lives for ever, an image as long as its row.
 void *jlist_getdata(t_jlist *list, long row);
 
+// A reference to the image of a row, which outlives the row: nothing is locked while it is drawn or encoded. Null when
+// there is none. Only of a list of images.
+image_surface jlist_share_image(t_jlist *list, long row);
+
 // The item of the current row, which becomes the selected one (the view is not told); null, and nothing changed, when
 // the current row is none of the list's.
 void *jlist_bang(t_jlist *list);
