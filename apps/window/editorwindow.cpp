@@ -15,6 +15,15 @@
 
 using namespace maxhost;
 
+namespace {
+
+// The text as it was read or typed: toPlainText() would make blanks of no-break spaces.
+QString exact_text(const QPlainTextEdit &edit) {
+    return edit.document()->toRawText().replace(QChar::ParagraphSeparator, '\n');
+}
+
+} // namespace
+
 EditorWindow::EditorWindow(t_object *editor, Session &session)
     : editor_(editor), session_(session), change_bar_(new ChangeBar),
       watch_(new FileWatch([this] { return stamp_of(file_.toStdString()) != as_held_; }, this)), text_(new CodeEdit),
@@ -93,7 +102,7 @@ void EditorWindow::take_path(const QString &path) {
 void EditorWindow::compare_with_file() {
     const FileStamp as_read = stamp_of(file_.toStdString());
     QString text, reason;
-    const bool is_same = read_xml_text(file_, text, reason) && text == text_->toPlainText();
+    const bool is_same = read_xml_text(file_, text, reason) && text == exact_text(*text_);
     hold(is_same ? as_read : FileStamp());
     watch_->look();
 }
@@ -129,7 +138,7 @@ bool EditorWindow::hand_over(QString &reason) {
     session.bridge().deliver();
     const int errors = session.console().errors();
     forget_text_fault();
-    const bool is_taken = save_editor_text(editor_, text_->toPlainText().toStdString());
+    const bool is_taken = save_editor_text(editor_, exact_text(*text_).toStdString());
     const TextFault fault = last_text_fault();
     drain_queue();
     session.bridge().deliver();

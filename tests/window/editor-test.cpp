@@ -25,6 +25,7 @@ class EditorTest : public WindowTest {
     void reloading_keeps_letters_of_other_encodings();
     void a_file_that_cannot_be_read_again_is_told();
     void file_that_cannot_be_written_is_told();
+    void no_break_spaces_are_kept();
     void what_is_found_later_is_told();
     void closing_asks_when_unsaved_data();
     void closing_asks_when_unsaved();
@@ -86,6 +87,14 @@ void EditorTest::saves_to_the_file() {
     QTest::keyClick(window, Qt::Key_S, Qt::ControlModifier);
     QVERIFY(!window->isWindowModified());
     QVERIFY(read_text(path_of("list.xml")).contains("<a>typed</a>"));
+}
+
+void EditorTest::no_break_spaces_are_kept() {
+    EditorWindow *window = edit("<a/>");
+    window->text().selectAll();
+    window->text().insertPlainText(QString::fromUtf8("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>x\xC2\xA0y</a>"));
+    QVERIFY(window->save());
+    QVERIFY(read_text(path_of("list.xml")).contains(QString::fromUtf8("<a>x\xC2\xA0y</a>")));
 }
 
 void EditorTest::text_that_does_not_parse_is_not_saved() {
